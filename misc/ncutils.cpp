@@ -1,0 +1,50 @@
+// Small file utilities: the directory test, a stream holder, opening and syncing.
+#include "misc/ncutils.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+bool isDirectory(const char* path) {
+    struct stat st;
+    return stat(path, &st) == 0 && (st.st_mode & 0x4000) != 0;
+}
+
+Stream abre_leitura(const char* path) {
+    const int fd = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) return nullptr;
+    Stream s(fdopen(fd, "rb"));
+    if (!s) close(fd);
+    return s;
+}
+
+Stream abre_regular(const char* path) {
+    Stream s = abre_leitura(path);
+    struct stat st;
+    if (!s || (fstat(fileno(s.get()), &st) == 0 && S_ISREG(st.st_mode))) return s;
+    s.reset();
+    errno = ENOENT;
+    return nullptr;
+}
+
+bool sincroniza(int fd) {
+    while (fsync(fd) != 0) {
+        if (errno == EINTR) continue;
+        return errno == EINVAL || errno == ENOTSUP;
+    }
+    return true;
+}
+
+bool sincroniza_diretorio_de(const char* path) {
+    std::string dir(path);
+    const auto barra = dir.rfind('/');
+    dir = barra == std::string::npos ? "." : barra == 0 ? "/" : dir.substr(0, barra);
+    const int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return false;
+    const bool feito = sincroniza(fd);
+    close(fd);
+    return feito;
+}

@@ -1,0 +1,31 @@
+// Small file utilities: the directory test, a stream holder, opening and syncing.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+// True when `path` can be examined and its mode has the bit 0x4000. Only that bit is looked at, so
+// a socket or a block device passes too: callers only ask whether something stands at a key's
+// place.
+bool isDirectory(const char* path);
+
+struct FechaStream {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+};
+// A stdio stream that is closed when it goes out of scope.
+using Stream = std::unique_ptr<std::FILE, FechaStream>;
+
+// Opens `path` for reading, close-on-exec, and never waits: a FIFO without a writer reads as empty.
+// Null on failure, errno set.
+Stream abre_leitura(const char* path);
+
+// As abre_leitura, but only regular files (after links): anything else answers null with errno
+// ENOENT.
+Stream abre_regular(const char* path);
+
+// Hands what the kernel still holds of `fd` to the disk. Files that cannot be synced (a terminal, a
+// pipe) count as done. False on failure, errno set.
+bool sincroniza(int fd);
+
+// Syncs the directory that holds `path`, so that a new name in it lasts. False on failure.
+bool sincroniza_diretorio_de(const char* path);
