@@ -8,8 +8,25 @@ if test "$PHP_VT_MREL" != "no"; then
   PHP_REQUIRE_CXX()
   VT_MREL_SOURCES="
     misc/gravacao.cpp
+    misc/leitor.cpp
     misc/ncutils.cpp
+    common/LogFileParser.cpp
+    common/LogFileParser_entrada.cpp
+    common/LogMailFileParser.cpp
+    common/LogMailFileParser_estatistica.cpp
+    common/LogMailFileParser_eventos.cpp
+    common/LogMailFileParser_linha.cpp
+    common/LogMailFileParser_periodos.cpp
+    common/LogMailFileParser_retomada.cpp
+    common/Msg.cpp
     common/Tabela.cpp
+    common/Usuario.cpp
+    common/auxiliar.cpp
+    common/diario.cpp
+    common/relogio.cpp
+    common/relutl.cpp
+    php/vtmrel.cpp
+    php/vtmrel_obj.cpp
   "
   dnl At most level 2 of the fortified functions: the string library formats with the size of its whole record as the limit.
   VT_MREL_FLAGS="-std=c++20 -O2 -fvisibility=hidden -Wall -Wextra -Wformat=2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -DZEND_ENABLE_STATIC_TSRMLS_CACHE=1"

@@ -81,33 +81,17 @@ bool Gravacao::abre_temporario(int alvo) {
 
 bool Gravacao::abre_no_lugar() {
     temporario_.clear();
-    const int fd = open(alvo_.c_str(), escrita | O_CREAT | O_TRUNC, 0666);
-    if (fd < 0) return false;
-    stream_.reset(fdopen(fd, "wb"));
-    if (!stream_) close(fd);
+    stream_.reset(abre_escrita(alvo_.c_str()));
     return stream_ != nullptr;
 }
 
 bool Gravacao::conclui() {
-    std::FILE* f = stream_.release();
-    // ferror is asked as well: after a failed flush a later fclose can answer 0.
-    bool feito = std::fflush(f) == 0 && !std::ferror(f) && sincroniza(fileno(f));
-    int erro = errno;
-    if (std::fclose(f) != 0 && feito) {
-        feito = false;
-        erro = errno;
-    }
+    bool feito = fecha_gravado(stream_.release());
     if (!temporario_.empty()) {
-        if (feito && std::rename(temporario_.c_str(), alvo_.c_str()) != 0) {
-            feito = false;
-            erro = errno;
-        }
+        feito = feito && std::rename(temporario_.c_str(), alvo_.c_str()) == 0;
+        const int erro = errno;
         if (!feito) unlink(temporario_.c_str());
+        errno = erro;
     }
-    if (feito && !sincroniza_diretorio_de(alvo_.c_str())) {
-        feito = false;
-        erro = errno;
-    }
-    errno = erro;
-    return feito;
+    return feito && sincroniza_diretorio_de(alvo_.c_str());
 }

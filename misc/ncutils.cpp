@@ -30,6 +30,24 @@ Stream abre_regular(const char* path) {
     return nullptr;
 }
 
+std::FILE* abre_escrita(const char* path) {
+    const int fd =
+        open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    if (fd < 0) return nullptr;
+    std::FILE* f = fdopen(fd, "wb");
+    if (!f) close(fd);
+    return f;
+}
+
+bool fecha_gravado(std::FILE* f) {
+    // ferror is asked as well: after a failed flush a later fclose can answer 0.
+    const bool gravado = std::fflush(f) == 0 && !std::ferror(f) && sincroniza(fileno(f));
+    const int erro = errno;
+    const bool fechado = std::fclose(f) == 0;
+    if (!gravado) errno = erro;
+    return gravado && fechado;
+}
+
 bool sincroniza(int fd) {
     while (fsync(fd) != 0) {
         if (errno == EINTR) continue;

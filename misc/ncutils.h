@@ -23,6 +23,14 @@ Stream abre_leitura(const char* path);
 // ENOENT.
 Stream abre_regular(const char* path);
 
+// Opens `path` for writing from its start (created 0666 less the umask, truncated), close-on-exec,
+// and never waits. Null on failure, errno set.
+std::FILE* abre_escrita(const char* path);
+
+// Flushes, syncs and closes `f`. False when anything written to it, ever, did not reach the disk;
+// errno then tells the first reason known.
+bool fecha_gravado(std::FILE* f);
+
 // Hands what the kernel still holds of `fd` to the disk. Files that cannot be synced (a terminal, a
 // pipe) count as done. False on failure, errno set.
 bool sincroniza(int fd);

@@ -1,0 +1,71 @@
+// The mail-log parser: its life, the local domains and the consolidation around the day loop.
+#include "common/LogMailFileParser.h"
+
+#include <cstring>
+
+LogMailFileParser::LogMailFileParser()
+    : compact_logfile(nullptr),
+      statistic_logfile(nullptr),
+      period_limit(nullptr),
+      sfile_num_periods(0),
+      first_period(0),
+      last_period(0),
+      first_period_ok(false),
+      compact_fname_prefix(""),
+      stat_fname_prefix("") {
+    consolid_period = 86400;
+    set_sfile_num_periods(24);
+    std::strcpy(def_dir, "LOGS");
+    std::strcpy(def_fname, "MAIL_DISPATCHER.LOG");
+    std::strcpy(compact_fname_prefix, diario::compacto);
+    std::strcpy(stat_fname_prefix, diario::estatistica);
+    std::strcpy(data_dir, "DAT");
+}
+
+LogMailFileParser::~LogMailFileParser() {
+    delete[] period_limit;
+    for (Domain* d = domains.first(); d;) {
+        Domain* e = d;
+        d = domains.removeAndGetNext(d);
+        delete e;
+    }
+}
+
+bool LogMailFileParser::add_domain(char* list) {
+    if (!list) {
+        traco("LogMailFileParser::add_domain: Param. incorreto.\r\n");
+        return false;
+    }
+    const std::unique_ptr<char*[]> nomes(explode(list, ';', nullptr));
+    for (char** nome = nomes.get(); nome && *nome; ++nome) {
+        Domain* d = new Domain{};
+        std::memcpy(d->name, *nome, strnlen(*nome, sizeof d->name));
+        domains.putFirst(d);
+    }
+    return true;
+}
+
+bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
+    struct Fim {
+        LogMailFileParser* p;
+        ~Fim() { p->esvazia(); }
+    } fim{this};
+    if (sfile_num_periods == 0) set_sfile_num_periods(24);
+    return LogFileParser::consolidate(lastConsolidFile);
+}
+
+// Ends a run, also one that an exception left in mid-day.
+void LogMailFileParser::esvazia() {
+    fecha(compact_logfile);
+    fecha(statistic_logfile);
+    memoria_.reset();
+    hora_pronta_ = false;
+    while (Msg* m = Lista_msg.first()) {
+        Lista_msg.remove(m);
+        delete m;
+    }
+    while (Usuario* u = Lista_usu.first()) {
+        Lista_usu.remove(u);
+        delete u;
+    }
+}

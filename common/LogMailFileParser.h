@@ -1,0 +1,137 @@
+// The mail-log parser: follows every message through its events and writes the day files.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <initializer_list>
+#include <memory>
+
+#include "common/LogFileParser.h"
+#include "common/Msg.h"
+#include "common/Tabela.h"
+#include "common/Usuario.h"
+#include "common/auxiliar.h"
+#include "common/diario.h"
+#include "common/relatorio.h"
+
+// One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
+// of a day and its files (_periodos), the statistics file (_estatistica), the last-consolidation
+// file
+// (_retomada). Refusals are traced to debugOut and end in CR LF.
+class LogMailFileParser : public LogFileParser {
+  public:
+    std::FILE* compact_logfile;    // the day's compact file; null when it could not be created
+    std::FILE* statistic_logfile;  // the day's statistics file while it is written
+    Tabela<Usuario> Lista_usu;     // users of the day, newest first
+    Tabela<Msg> Lista_msg;         // messages in flight, newest first
+    DList<Domain> domains;         // local mail domains
+    time_t* period_limit;          // end of each period of the day, exclusive; sfile_num_periods
+    unsigned sfile_num_periods;
+    unsigned first_period;  // of the first counted event
+    unsigned last_period;   // of the latest counted event
+    bool first_period_ok;   // first_period was taken; never cleared again
+    char compact_fname_prefix[81];
+    char stat_fname_prefix[81];  // not used: the statistics file's name is fixed
+
+    LogMailFileParser();
+    // Frees the domains. The tables are emptied by consolidate.
+    ~LogMailFileParser();
+
+    // Adds the local domains of a list separated by ';', each cut to 300 bytes, the last one first.
+    // The list is cut in place. False for null.
+    bool add_domain(char* list);
+
+    // LogFileParser::consolidate; afterwards, whatever its outcome, both tables are empty.
+    bool consolidate(const char* lastConsolidFile);
+
+    // Opens the compact file of the day of lastConsolid. False when it cannot be created: the day's
+    // events are then followed without it.
+    bool createFiles() override;
+    // Classifies the line in osBuf.lbuf and hands it to its handler. Always 1.
+    int parser() override;
+    // Writes the statistics file, retires finished messages and users without one in flight. False
+    // when a day file could not be created or written.
+    bool dumpFiles() override;
+    // Writes the point and the messages in flight; the old file stays whole when that fails, which
+    // goes to stderr. False only for a null path.
+    bool createLastConsolidFile(const char* last_consolid_file) override;
+    // Reads the messages in flight. Each becomes one that is finished at the next dump, without its
+    // sender; a file that records none yields one with an empty id. False only for a null stream.
+    bool readExtraInfo(std::FILE* fp) override;
+
+    // Handlers of the events, called with the line still in osBuf.lbuf, whose stamp gives the
+    // event's time; `T` is that time in hexadecimal, for the compact line. Each writes its compact
+    // line, then updates the tables. 0, with a refusal traced and nothing done, when a text is
+    // null; else 1.
+    //   id: token 3 of the line; tipo, remetente, tamanho: tokens 5, 7, 9; destinatario: token 5.
+    int handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo, const char* remetente,
+                            const char* tamanho);
+    int handle_MAILQ_OK(const char* T, const char* id, const char* destinatario);
+    int handle_MAILQ_END(const char* T, const char* id);
+    int handle_MAILSMTP_DELIVER(const char* T, const char* id);
+    int handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario);
+    int handle_MAILSMTP_END(const char* T, const char* id);
+    int handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_ERROR_DEST(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_ERROR_DATA(const char* T, const char* id);
+    int handle_MAILSMTP_ERROR_HELO(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id);
+    int handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id, const char* texto);
+    int handle_MAILSMTP_RETRY_DEST(const char* T, const char* id, const char* texto);
+    int handle_SPAM(const char* T, const char* id);
+    int handle_ANTIVIRUS_VIRUS(const char* T, const char* id);
+
+    // Removes the pending errors that an accepted delivery settles: SENDER, HELO, CONNECT and
+    // DOMAIN with this text (the recipient's domain; null finds none), and one DATA error. Refused
+    // recipients stay. Null `m` does nothing.
+    void remover_error(Msg* m, const char* texto);
+
+    // Periods a day, 0 meaning 24. Makes last_period one past the last and frees earlier limits.
+    void set_sfile_num_periods(unsigned n);
+    // False, and nothing changed, when there is no such period.
+    bool setLastPeriod(unsigned p);
+    // Takes the limits of the day of lastConsolid and starts its first and last period anew.
+    void calculatePeriodLimits();
+    // The period that holds `t`: the first one before the day, the last one after it. Moves
+    // first_period and last_period, so it is asked only when something counts.
+    unsigned getPeriodByTime(time_t t);
+    // Opens the day file of `prefix` into *fp, making the month's directory (0755) if need be.
+    // False, and *fp null, when that fails.
+    bool createFile(std::FILE** fp, const char* prefix);
+
+  private:
+    struct RegraErro;
+    struct Despacho;
+
+    // The line (_linha.cpp).
+    time_t hora_da_linha();
+    const char* resto_da_linha(std::size_t coluna) const;
+
+    // Steps that the handlers share (_eventos.cpp).
+    bool registra(const char* metodo, Agent agente, Status status,
+                  std::initializer_list<const char*> campos, const char* fim = "\n");
+    Msg* msg_ou_nova(const char* id, time_t inicio = 0);
+    Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
+    void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
+    void conta_recebida(const char* destinatario, const Msg* m);
+    void encerra(Msg* m, int (Usuario::*tambem)(unsigned, int) = nullptr);
+    int evento_erro(const RegraErro& regra, std::initializer_list<const char*> campos);
+
+    // The day's end (_periodos.cpp, _estatistica.cpp).
+    time_t passo() const { return 86400 / sfile_num_periods; }
+    bool fecha(std::FILE*& arquivo);
+    diario::Totais retira_mensagens();
+    void escreve_estatistica(const diario::Totais& totais);
+    void prepara_proximo_dia();
+    void esvazia();
+
+    static constexpr std::size_t tamanho_do_buffer = std::size_t{256} * 1024;
+
+    bool hora_pronta_ = false;  // hora_ is the time of the line in osBuf.lbuf
+    time_t hora_ = 0;
+    bool sem_compacto_ = false;        // the day's compact file could not be created
+    std::unique_ptr<char[]> memoria_;  // buffer of the day file being written
+};

@@ -1,0 +1,104 @@
+// The day's end: totals, the statistics file, and what goes on to the next day.
+#include <algorithm>
+
+#include "common/LogMailFileParser.h"
+#include "misc/ncutils.h"
+
+namespace {
+
+void conta(diario::Totais& t, const Msg& m) {
+    ++(m.int_user ? t.msgs_int : t.msgs_ext);
+    (m.int_user ? t.bytes_int : t.bytes_ext) += m.size;
+}
+
+// A finished message: counted by what became of it, if a delivery was tried.
+void conta_terminada(diario::Totais& t, const Msg& m) {
+    if (m.tries != 0) {
+        const bool falhou = m.error || m.fatal_error;
+        t.error += falhou;
+        if (!falhou || m.sent) conta(t, m);
+        t.spam += m.spam;
+        t.att_blocked += m.att_blocked;
+    }
+    t.virus += m.virus;
+}
+
+// An unfinished message with errors that was tried; counted on this day and again at its end.
+void conta_pendente(diario::Totais& t, const Msg& m) {
+    ++t.error;
+    if (m.sent) conta(t, m);
+}
+
+bool algum(const usuStats& s) {
+    return (s.sent | s.recv | s.bytes_sent | s.bytes_recv | s.virus | s.spam | s.error |
+            s.att_blocked) != 0;
+}
+
+}  // namespace
+
+bool LogMailFileParser::dumpFiles() {
+    bool gravado = fecha(compact_logfile);
+    if (!createFile(&statistic_logfile, diario::estatistica)) return false;
+    if (memoria_) std::setvbuf(statistic_logfile, memoria_.get(), _IOFBF, tamanho_do_buffer);
+    escreve_estatistica(retira_mensagens());
+    prepara_proximo_dia();
+    gravado &= fecha(statistic_logfile);
+    return gravado && !sem_compacto_;
+}
+
+// Adds up the day's totals and deletes the messages that are done with.
+diario::Totais LogMailFileParser::retira_mensagens() {
+    diario::Totais t{};
+    for (Msg* m = Lista_msg.first(); m;) {
+        if (m->tries != 0) t.att_blocked += m->att_blocked;  // and once more when it is finished
+        const bool terminada = m->end_time != 0 || m->fatal_error;
+        if (terminada) {
+            conta_terminada(t, *m);
+        } else if (m->error && m->tries != 0) {
+            conta_pendente(t, *m);
+            m->old_error = true;
+        }
+        Msg* atual = m;
+        if (terminada || (m->error && m->tries == 0)) {
+            m = Lista_msg.removeAndGetNext(m);
+            delete atual;
+        } else {
+            m = m->next;
+        }
+    }
+    return t;
+}
+
+void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
+    const unsigned ultimo = std::min(last_period, sfile_num_periods - 1);
+    diario::escreve_totais(statistic_logfile, period_limit[first_period] - passo(),
+                           period_limit[ultimo] - 1, totais);
+    for (unsigned p = 0; p < sfile_num_periods; ++p) {
+        diario::escreve_periodo(statistic_logfile, period_limit[p] - passo());
+        for (const Usuario* u = Lista_usu.first(); u; u = u->next) {
+            const usuStats s = u->getStats(static_cast<int>(p));
+            if (algum(s)) diario::escreve_usuario(statistic_logfile, chave(*u), s);
+        }
+    }
+}
+
+// Attempts and errors are of a day; so are users, but for those whom a message in flight names.
+void LogMailFileParser::prepara_proximo_dia() {
+    for (Msg* m = Lista_msg.first(); m; m = m->next) {
+        m->tries = 0;
+        m->error = false;
+        if (m->sender && m->sender->msgs_reference == 0) m->sender = nullptr;
+    }
+    for (Usuario* u = Lista_usu.first(); u;) {
+        if (u->msgs_reference != 0) {
+            traco("Usu\xE1rio %s na lista.[ref = %d]\n", chave(*u),
+                  static_cast<int>(u->msgs_reference));
+            u->reset_vars();
+            u = u->next;
+        } else {
+            Usuario* atual = u;
+            u = Lista_usu.removeAndGetNext(u);
+            delete atual;
+        }
+    }
+}

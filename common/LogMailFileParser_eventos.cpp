@@ -1,0 +1,309 @@
+// The 17 event handlers, over a few shared steps.
+#include <algorithm>
+#include <cstring>
+
+#include "common/LogMailFileParser.h"
+#include "misc/numero.h"
+
+// What an error event does beyond its compact line.
+struct LogMailFileParser::RegraErro {
+    const char* metodo;
+    Status status;
+    bool conta;              // counts an error of the sender
+    bool marca_hora;         // moves the message's last_time
+    bool fatal;              // the delivery failed for good
+    bool tentativa;          // counts as an attempt when none was seen
+    ErrorType tipo;          // pending error to record; etFINAL records none
+    const char* texto;       // its text; null: the event's own
+    const char* fim = "\n";  // of the compact line
+};
+
+// Refuses the event when a text is null; else writes its compact line: time, agent, status, the
+// other texts. `campos` begins with the time. False when refused.
+bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status,
+                                 std::initializer_list<const char*> campos, const char* fim) {
+    if (std::find(campos.begin(), campos.end(), nullptr) != campos.end()) {
+        traco("%s : Params. inv\xE1lidos.\r\n", metodo);
+        return false;
+    }
+    Linha linha(compact_logfile);
+    linha.texto(*campos.begin()).letra(' ').numero(agente).letra(' ').numero(status);
+    for (const char* const* c = campos.begin() + 1; c != campos.end(); ++c)
+        linha.letra(' ').texto(*c);
+    linha.texto(fim).termina();
+    return true;
+}
+
+Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
+    Msg* m = procurar_msg(&Lista_msg, id);
+    if (!m) {
+        m = new Msg(id, inicio);
+        Lista_msg.putFirst(m);
+    }
+    return m;
+}
+
+Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos) {
+    Usuario* u = procurar_usuario(&Lista_usu, nome, false);
+    if (!u) {
+        u = new Usuario(nome, periodos);
+        Lista_usu.putFirst(u);
+    }
+    return u;
+}
+
+// Counts the message for its local sender in the period of `t`, and one more in another counter of
+// his. A time that could not be read counts nowhere.
+void LogMailFileParser::conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
+    if (t == 0 || !m->int_user || !m->sender) return;
+    const unsigned p = getPeriodByTime(t);
+    m->sender->incSent(p, 1);
+    m->sender->addSentBytes(p, static_cast<int>(m->size));
+    if (tambem) (m->sender->*tambem)(p, 1);
+}
+
+void LogMailFileParser::conta_recebida(const char* destinatario, const Msg* m) {
+    Usuario* u = usuario_ou_novo(destinatario, sfile_num_periods);
+    const time_t t = hora_da_linha();
+    if (t == 0) return;
+    const unsigned p = getPeriodByTime(t);
+    u->incRecv(p, 1);
+    u->addRecvBytes(p, static_cast<int>(m->size));
+}
+
+// The message is over: a local sender is counted and no longer waited for.
+void LogMailFileParser::encerra(Msg* m, int (Usuario::*tambem)(unsigned, int)) {
+    m->end_time = hora_da_linha();
+    conta_enviada(m, m->end_time, tambem);
+    if (m->int_user && m->sender) --m->sender->msgs_reference;
+}
+
+int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo,
+                                           const char* remetente, const char* tamanho) {
+    if (!registra("LogMailFileParser::handle_MAILQ:SUBMIT", MAILQ, SUBMIT,
+                  {T, id, tipo, remetente, tamanho}))
+        return 0;
+    const bool interno = getUserType(tipo) == INTERNO;
+    Usuario* u = nullptr;
+    if (interno) {
+        u = usuario_ou_novo(remetente, std::max(24u, sfile_num_periods));
+        ++u->msgs_reference;
+    }
+    Msg* m = msg_ou_nova(id, hora_da_linha());
+    m->size = static_cast<std::uint32_t>(decimal32(tamanho));
+    m->sender = u;
+    m->define_remetente(remetente);
+    if (interno) m->int_user = true;
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILQ_OK(const char* T, const char* id, const char* destinatario) {
+    if (!registra("LogMailFileParser::handle_MAILQ:OK", MAILQ, OK, {T, id, destinatario})) return 0;
+    Msg* m = msg_ou_nova(id);
+    if (m->tries == 0) m->tries = 1;
+    conta_recebida(destinatario, m);
+    m->sent = true;
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILQ_END(const char* T, const char* id) {
+    if (!registra("LogMailFileParser::handle_MAILQ:END", MAILQ, END, {T, id})) return 0;
+    encerra(msg_ou_nova(id));
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:DELIVER", MAILSMTP, DELIVER, {T, id}))
+        return 0;
+    Msg* m = msg_ou_nova(id);
+    m->last_time = hora_da_linha();
+    ++m->tries;
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:OK", MAILSMTP, OK, {T, id, destinatario}))
+        return 0;
+    Msg* m = procurar_msg(&Lista_msg, id);
+    if (m) {
+        if (const char* arroba = std::strchr(destinatario, '@')) remover_error(m, arroba + 1);
+        remover_error(m, nullptr);
+    } else {
+        m = msg_ou_nova(id);
+    }
+    conta_recebida(destinatario, m);
+    m->sent = true;
+    if (m->tries == 0) m->tries = 1;
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:END", MAILSMTP, END, {T, id})) return 0;
+    Msg* m = procurar_msg(&Lista_msg, id);
+    if (m)
+        m->error = m->error_list.first() != nullptr;
+    else
+        m = msg_ou_nova(id);
+    encerra(m);
+    return 1;
+}
+
+int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
+    // Agent 2 for every spam and virus event, whoever found it: the replay counts on it.
+    if (!registra("LogMailFileParser::handle_SPAM", MAILSMTP, SPAM, {T, id})) return 0;
+    Msg* m = msg_ou_nova(id);
+    m->spam = true;
+    conta_enviada(m, hora_da_linha(), &Usuario::incSpam);
+    return 1;
+}
+
+int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
+    if (!registra("LogMailFileParser::handle_ANTIVIRUS_VIRUS", MAILSMTP, VIRUS, {T, id})) return 0;
+    Msg* m = procurar_msg(&Lista_msg, id);
+    if (!m) return 1;  // like an error, a virus does not make a message known
+    m->virus = true;
+    encerra(m, &Usuario::incVirus);
+    return 1;
+}
+
+// An error of a message that is not known leaves no trace but its compact line. `campos`: the time,
+// the id and, where the event has one, its text.
+int LogMailFileParser::evento_erro(const RegraErro& regra,
+                                   std::initializer_list<const char*> campos) {
+    if (!registra(regra.metodo, MAILSMTP, regra.status, campos, regra.fim)) return 0;
+    Msg* m = procurar_msg(&Lista_msg, campos.begin()[1]);
+    if (!m) return 1;
+    const time_t t = hora_da_linha();
+    if (regra.conta && m->sender && t != 0) m->sender->incErro(getPeriodByTime(t), 1);
+    if (regra.marca_hora) m->last_time = t;
+    if (regra.fatal) m->fatal_error = true;
+    if (regra.tentativa && m->tries == 0) m->tries = 1;
+    if (regra.tipo != etFINAL) {
+        m->add_error(regra.tipo, regra.texto ? regra.texto : campos.begin()[2]);
+        m->error = true;
+    }
+    return 1;
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id,
+                                                     const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:CONNECT",
+                                     ERROR_CONNECT,
+                                     true,
+                                     true,
+                                     false,
+                                     false,
+                                     etCONNECT,
+                                     nullptr};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id,
+                                                    const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_SENDER",
+                                     ERROR_SENDER,
+                                     true,
+                                     true,
+                                     false,
+                                     false,
+                                     etSENDER,
+                                     nullptr};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_DEST(const char* T, const char* id,
+                                                  const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DEST",
+                                     ERROR_DEST,
+                                     true,
+                                     false,
+                                     false,
+                                     false,
+                                     etDEST,
+                                     "dest"};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id,
+                                                   const char* texto) {
+    // The text is the rest of the log line and brings its own line end.
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_FINAL",
+                                     ERROR_FINAL,
+                                     true,
+                                     false,
+                                     true,
+                                     true,
+                                     etFINAL,
+                                     nullptr,
+                                     ""};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_DATA(const char* T, const char* id) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DATA",
+                                     ERROR_DATA,
+                                     true,
+                                     false,
+                                     false,
+                                     false,
+                                     etDATA,
+                                     ""};
+    return evento_erro(regra, {T, id});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_HELO(const char* T, const char* id,
+                                                  const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_HELO",
+                                     ERROR_HELO,
+                                     true,
+                                     false,
+                                     false,
+                                     false,
+                                     etHELO,
+                                     nullptr};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_SIZE",
+                                     ERROR_SIZE,
+                                     true,
+                                     false,
+                                     true,
+                                     false,
+                                     etFINAL,
+                                     nullptr};
+    return evento_erro(regra, {T, id});
+}
+
+int LogMailFileParser::handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id,
+                                                    const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DOMAIN",
+                                     ERROR_DOMAIN,
+                                     false,
+                                     false,
+                                     false,
+                                     false,
+                                     etDOMAIN,
+                                     nullptr};
+    return evento_erro(regra, {T, id, texto});
+}
+
+int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id,
+                                                  const char* texto) {
+    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP_RETRY_DEST",
+                                     RETRY_DEST,
+                                     false,
+                                     false,
+                                     false,
+                                     false,
+                                     etRETRY_DEST,
+                                     nullptr};
+    return evento_erro(regra, {T, id, texto});
+}
+
+void LogMailFileParser::remover_error(Msg* m, const char* texto) {
+    if (!m) return;
+    for (ErrorType tipo : {etSENDER, etHELO, etCONNECT, etDOMAIN}) m->remove_error(tipo, texto);
+    m->remove_error(etDATA, "");
+}

@@ -1,0 +1,85 @@
+// A mail user with his counters per period of the day.
+#pragma once
+
+#include <cstdint>
+
+// Selects one counter array.
+enum InfoType : std::int32_t {
+    SENT = 0,
+    RECV = 1,
+    BYTES_SENT = 2,
+    BYTES_RECV = 3,
+    MSG_VIRUS = 4,
+    MSG_SPAM = 5,
+    MSG_ERROR = 6,
+    ATT_BLOCKED = 7,
+};
+
+// The eight counters of one period, or their sums over the day.
+struct usuStats {
+    std::uint32_t sent, recv, bytes_sent, bytes_recv, virus, spam, error, att_blocked;
+};
+
+// Created by the first event that names the user. The counters wrap at 32 bits.
+class Usuario {
+  public:
+    char* name;                 // owned; address or name as logged
+    std::uint32_t num_periods;  // slots in each array
+    std::uint32_t* sent;        // messages
+    std::uint32_t* recv;
+    std::uint32_t* bytes_sent;
+    std::uint32_t* bytes_recv;
+    std::uint32_t* virus;  // messages with one
+    std::uint32_t* spam;
+    std::uint32_t* error;  // delivery errors
+    std::uint32_t* att_blocked;
+    Usuario *prev = nullptr, *next = nullptr;
+    // Messages in flight that name this user as sender. Zeroed at each day's end although messages
+    // may still be in flight, so an END of the next day takes it below zero, which wraps.
+    std::uint32_t msgs_reference;
+
+    // Own members of the user table (Tabela.h).
+    Usuario* chave_prox = nullptr;
+    std::uint32_t chave_hash = 0;
+
+    // `nome` may be null (the name is then null); `periodos` 0 means 24.
+    Usuario(const char* nome, unsigned periodos);
+    ~Usuario();
+    Usuario(const Usuario&) = delete;
+    Usuario& operator=(const Usuario&) = delete;
+
+    // Zeroes all counters and msgs_reference.
+    void reset_vars();
+
+    // Add to the counter of a period (0 to num_periods - 1). 0, and nothing changed, outside.
+    int incSent(unsigned periodo, int n) { return soma(sent, periodo, n); }
+    int incRecv(unsigned periodo, int n) { return soma(recv, periodo, n); }
+    int addSentBytes(unsigned periodo, int n) { return soma(bytes_sent, periodo, n); }
+    int addRecvBytes(unsigned periodo, int n) { return soma(bytes_recv, periodo, n); }
+    int incVirus(unsigned periodo, int n) { return soma(virus, periodo, n); }
+    int incSpam(unsigned periodo, int n) { return soma(spam, periodo, n); }
+    int incErro(unsigned periodo, int n) { return soma(error, periodo, n); }
+    int incAttBlocked(unsigned periodo, int n) { return soma(att_blocked, periodo, n); }
+
+    const char* getName() const { return name; }
+    unsigned getNumPeriods() const { return num_periods; }
+
+    // One counter of a period; of all periods when `periodo` is negative; 0 outside.
+    unsigned count(InfoType qual, int periodo) const;
+    // All eight of a period; sums when `periodo` is negative; zeros outside.
+    usuStats getStats(int periodo) const;
+
+  private:
+    int soma(std::uint32_t* contadores, unsigned periodo, int n) {
+        if (periodo >= num_periods) return 0;
+        contadores[periodo] += static_cast<std::uint32_t>(n);
+        return 1;
+    }
+    std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
+
+    std::uint32_t* bloco_;  // the eight arrays, one behind the other
+};
+
+inline const char* chave(const Usuario& u) {
+    return u.name ? u.name : "";
+}

@@ -1,0 +1,199 @@
+// Words of a log line: what they mean, how a line is split, and the lookups over the records.
+#include "common/auxiliar.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+template <class T, class Teste>
+T* primeiro(DList<T>* lista, Teste serve) {
+    T* e = lista->first();
+    while (e && !serve(e)) e = e->next;
+    return e;
+}
+
+bool igual(const char* a, const char* b) {
+    return std::strcmp(a, b) == 0;
+}
+
+bool comeca(const char* palavra, const char* com) {
+    return std::strncmp(palavra, com, std::strlen(com)) == 0;
+}
+
+Status status_de_erro(const char* palavra) {
+    // The order matters: ERROR_CONNECT is a prefix of ERROR_CONNECTION and takes its lines too.
+    static constexpr struct {
+        const char* inicio;
+        Status status;
+    } erros[] = {
+        {"ERROR_CONNECT", ERROR_CONNECT}, {"ERROR_CONNECTION", ERROR_CONNECTION},
+        {"ERROR_SENDER", ERROR_SENDER},   {"ERROR_FINAL", ERROR_FINAL},
+        {"ERROR_DEST", ERROR_DEST},       {"ERROR_SIZE", ERROR_SIZE},
+        {"ERROR_DOMAIN", ERROR_DOMAIN},   {"ERROR_HELO", ERROR_HELO},
+        {"ERROR_DATA", ERROR_DATA},
+    };
+    for (const auto& e : erros)
+        if (comeca(palavra, e.inicio)) return e.status;
+    return STATUS_UNKNOWN;
+}
+
+char minuscula(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+}  // namespace
+
+int getTokens(char* line, char** tokens, int max) {
+    int n = 0;
+    char* p = line;
+    while (*p != '\n' && *p != '\r' && *p != '\0' && n < max) {
+        if (*p == ' ') {
+            *p++ = '\0';
+            while (*p == ' ') ++p;
+            if (*p == '\n' || *p == '\0') break;
+            tokens[n++] = p;
+        }
+        ++p;
+    }
+    *p = '\0';
+    return n;
+}
+
+char** explode(char* str, char sep, int* count) {
+    const std::size_t tamanho = std::strlen(str);
+    int pedacos = 0;
+    for (std::size_t i = 0; i < tamanho; ++i) {
+        if (pedacos == 0 && str[i] != ' ') pedacos = 1;
+        if (str[i] == sep) {
+            str[i] = '\0';
+            ++pedacos;
+        }
+    }
+    if (tamanho && str[tamanho - 1] == '\n') str[tamanho - 1] = '\0';
+    if (pedacos == 0) return nullptr;
+
+    char** inicio = new char*[static_cast<std::size_t>(pedacos) + 1];
+    int usados = 0;
+    inicio[usados++] = str;
+    for (std::size_t i = 0; i < tamanho && usados < pedacos; ++i)
+        if (str[i] == '\0') inicio[usados++] = str + i + 1;
+    inicio[pedacos] = nullptr;
+    if (count) *count = pedacos;
+    return inicio;
+}
+
+time_t strhex_to_time(const char* s) {
+    return s && *s ? static_cast<time_t>(std::strtoll(s, nullptr, 16)) : 0;
+}
+
+Agent getAgent(const char* word) {
+    if (!word) return AGENT_UNKNOWN;
+    switch (word[0]) {
+        case 'M':
+            if (strnlen(word, 5) < 5) return AGENT_UNKNOWN;
+            return word[4] == 'Q' ? MAILQ : word[4] == 'S' ? MAILSMTP : AGENT_UNKNOWN;
+        case 'P':
+            return POPSRV;
+        case 'A':
+            return ANTIVIRUS;
+        case 'S':
+            return SPAMCATCHER;
+        default:
+            return AGENT_UNKNOWN;
+    }
+}
+
+Status getStatus(const char* word) {
+    if (!word) return STATUS_UNKNOWN;
+    switch (word[0]) {
+        case 'O':
+            return OK;
+        case 'E':
+            return word[1] == 'N' ? END : status_de_erro(word);
+        case 'R':
+            return READ;
+        case 'S':
+            return word[1] == 'U' ? SUBMIT : STATUS_UNKNOWN;
+        case 'D':
+            return word[1] == 'E' ? DELIVER : word[1] == 'I' ? DISCARD : STATUS_UNKNOWN;
+        case 'V':
+            return VIRUS;
+        case 'A':
+            return ARQUIVO;
+        case 'C':
+            return COPY;
+        case 'T':
+            return TAGGED;
+        case 'Q':
+            return QUARANTINE;
+        default:
+            return STATUS_UNKNOWN;
+    }
+}
+
+UserType getUserType(const char* word) {
+    if (!word) return USER_UNKNOWN;
+    switch (word[0]) {
+        case 'S':
+            if (strnlen(word, 9) < 9) return USER_UNKNOWN;
+            return word[8] == 'I' ? INTERNO : word[8] == 'E' ? EXTERNO : USER_UNKNOWN;
+        case 'I':
+            return INTERNO;
+        case 'P':
+            return EXTERNO;
+        default:
+            return USER_UNKNOWN;
+    }
+}
+
+bool igual_sem_caixa(const char* a, const char* b, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        if (minuscula(a[i]) != minuscula(b[i])) return false;
+        if (a[i] == '\0') return true;
+    }
+    return true;
+}
+
+Usuario* procurar_usuario(DList<Usuario>* lista, const char* name, bool prefix) {
+    return primeiro(lista, [=](const Usuario* u) {
+        const char* nome = chave(*u);
+        return igual(nome, name) || (prefix && igual_sem_caixa(nome, name, std::strlen(nome)));
+    });
+}
+
+Usuario* procurar_usuario(Tabela<Usuario>* tabela, const char* name, bool prefix) {
+    if (prefix) return procurar_usuario(static_cast<DList<Usuario>*>(tabela), name, prefix);
+    return tabela->procurar(name);
+}
+
+MsgsDayUser* procurar_usuario(DList<MsgsDayUser>* lista, const char* name) {
+    return primeiro(lista, [=](const MsgsDayUser* u) { return igual(u->username, name); });
+}
+
+Msg* procurar_msg(DList<Msg>* lista, const char* id) {
+    return primeiro(lista, [=](const Msg* m) { return igual(m->id, id); });
+}
+
+Msg* procurar_msg(Tabela<Msg>* tabela, const char* id) {
+    return tabela->procurar(id);
+}
+
+UserMsgs* procurar_msg(DList<UserMsgs>* lista, const char* id) {
+    return primeiro(lista, [=](const UserMsgs* m) { return igual(m->msg_id, id); });
+}
+
+RCPTO* procurar_recipient(DList<RCPTO>* lista, const char* name) {
+    return primeiro(lista, [=](const RCPTO* r) { return igual(r->username, name); });
+}
+
+Domain* procurar_dominio(DList<Domain>* lista, const char* domain) {
+    return primeiro(
+        lista, [=](const Domain* d) { return std::strncmp(d->name, domain, sizeof d->name) == 0; });
+}
+
+int cmp_func(const void* a, const void* b) {
+    const time_t ta = static_cast<const InputFiles*>(a)->iTime;
+    const time_t tb = static_cast<const InputFiles*>(b)->iTime;
+    return ta < tb ? -1 : ta > tb;
+}

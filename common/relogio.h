@@ -1,0 +1,31 @@
+// Local time: from a log line's stamp to Unix seconds.
+#pragma once
+
+#include <ctime>
+
+// The conversions of one consolidation. Between comeca() and termina() the last hour converted is
+// kept, so that mktime runs only when the date or the hour changes; outside, nothing is kept, since
+// the zone may change between two calls.
+class Relogio {
+  public:
+    // Takes over the zone that is now in force and forgets what was kept.
+    void comeca();
+    void termina() { guarda_ = false; }
+
+    // Unix seconds of the stamp "Www Mmm dd hh:mm:ss yyyy" (local time) at the start of `texto`, or
+    // 0 when it is none: too short, an unknown month, a day outside 1..31, a year before 2000, an
+    // hour above 23, minutes or seconds above 59. The weekday is not looked at; days that a month
+    // lacks run over into the next. -1 when the C library has no value for it.
+    time_t do_registro(const char* texto);
+
+  private:
+    time_t da_hora(const struct tm& tm);
+
+    bool guarda_ = false;  // keeping is allowed
+    bool cheio_ = false;   // hora_ and inicio_ hold
+    char hora_[13] = {};   // "Mmm dd hh" and "yyyy" of the hour kept
+    time_t inicio_ = 0;    // its first second
+};
+
+// Midnight at the start of the local day that holds `t`.
+time_t meia_noite(time_t t);

@@ -1,0 +1,35 @@
+// Reading the lines of a file in large blocks, with the line limits of fgets.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+class LeitorLinhas {
+  public:
+    // Bytes asked of the system at a time, unless told otherwise.
+    static constexpr std::size_t bloco = std::size_t{256} * 1024;
+    // The longest line piece that can be asked for.
+    static constexpr std::size_t maior_linha = 4096;
+
+    // Starts reading at the current position of `fd`, which stays the caller's.
+    void abre(int fd, std::size_t leitura = bloco);
+
+    // The next line with its line feed, or its first `limite` bytes: what is longer goes on as the
+    // next line. Answers the number of bytes (0: end of file, or the read failed, see erro()).
+    // `*linha` points into the block and holds until the next call; it is not NUL-terminated and
+    // may hold any bytes.
+    std::size_t proxima(const char** linha, std::size_t limite);
+
+    // errno of the read that ended the file early, or 0.
+    int erro() const { return erro_; }
+
+  private:
+    bool enche();
+
+    std::unique_ptr<char[]> memoria_;
+    std::size_t leitura_ = 0;
+    std::size_t inicio_ = 0;  // the bytes [inicio_, fim_) are read and not yet handed out
+    std::size_t fim_ = 0;
+    int fd_ = -1;
+    int erro_ = 0;
+};

@@ -1,0 +1,37 @@
+// The module: its record for the engine and its start-up.
+#include "php/vtmrel.h"
+
+#include "php/vtmrel_obj.h"
+
+namespace {
+
+// The module has classes only.
+const zend_function_entry vt_mrel_module_functions[] = {ZEND_FE_END};
+
+zend_result zm_startup_vt_mrel(INIT_FUNC_ARGS) {
+    vt_mrel_init_class();
+    return SUCCESS;
+}
+
+}  // namespace
+
+// The sentence is the name under which the engine lists the module.
+zend_module_entry vt_mrel_module_entry = {
+    STANDARD_MODULE_HEADER,
+    "Vorna PHP admin reports functions",
+    vt_mrel_module_functions,
+    zm_startup_vt_mrel,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    NO_VERSION_YET,
+    STANDARD_MODULE_PROPERTIES,
+};
+
+extern "C" {
+#ifdef ZTS
+ZEND_TSRMLS_CACHE_DEFINE()
+#endif
+ZEND_GET_MODULE(vt_mrel)
+}
