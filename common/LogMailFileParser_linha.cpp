@@ -19,8 +19,7 @@ struct Regra {
     Acao acao;
 };
 
-using Linha_da_tabela = std::array<Acao, num_status>;
-using Tabela_de_acoes = std::array<Linha_da_tabela, num_agents>;
+using Tabela_de_acoes = std::array<std::array<Acao, num_status>, num_agents>;
 
 // A handler called with the words at these positions; absent words are null.
 template <auto handler, int... palavras>
@@ -100,14 +99,14 @@ struct LogMailFileParser::Despacho {
             {SPAMCATCHER, DISCARD, com<&P::handle_SPAM, 3>},
         };
         Tabela_de_acoes t{};
+        for (std::size_t a = 0; a < num_agents; ++a) t[a].fill(outros[a]);
+        bool tomado[num_agents][num_status] = {};
         for (const Regra& r : regras) {
-            Acao& acao = t[r.agente][r.status];
-            if (acao) throw "a second rule for the same pair";  // fails the build
-            acao = r.acao;
+            if (tomado[r.agente][r.status])
+                throw "a second rule for the same pair";  // fails the build
+            tomado[r.agente][r.status] = true;
+            t[r.agente][r.status] = r.acao;
         }
-        for (std::size_t a = 0; a < num_agents; ++a)
-            for (Acao& acao : t[a])
-                if (!acao) acao = outros[a];
         return t;
     }
 };

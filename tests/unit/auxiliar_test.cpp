@@ -1,0 +1,217 @@
+// Words, splitters and lookups, by tables of cases.
+#include "common/auxiliar.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/LogMailFileParser.h"
+
+namespace {
+
+using Palavras = std::vector<std::string>;
+
+Palavras separa(std::string linha, int max) {
+    char* t[50] = {};
+    const int n = getTokens(linha.data(), t, max);
+    return {t, t + n};
+}
+
+// count < 0: the splitter answered null.
+std::pair<int, Palavras> explode_em(std::string texto, char sep) {
+    int n = -7;
+    const std::unique_ptr<char*[]> p(explode(texto.data(), sep, &n));
+    if (!p) return {n == -7 ? -1 : n, {}};
+    EXPECT_EQ(p[static_cast<std::size_t>(n)], nullptr);
+    return {n, Palavras(p.get(), p.get() + n)};
+}
+
+TEST(Auxiliar, getTokens) {
+    const struct {
+        const char* linha;
+        int max;
+        Palavras palavras;
+    } casos[] = {
+        {"32 MAILQ SUBMIT Msg\n", 50, {"MAILQ", "SUBMIT", "Msg"}},
+        {" a   b \n", 50, {"a", "b"}},
+        {"x a b \r\n", 50, {"a", "b", "\r"}},
+        {"x a b\r\n", 50, {"a", "b"}},
+        {"x um dois tres quatro cinco\n", 2, {"um", "d"}},
+        {"x a  ", 50, {"a"}},  // no line feed: the line ends at its NUL
+        {"x", 50, {}},
+        {"x a\nb c\n", 50, {"a"}},
+    };
+    for (const auto& c : casos) EXPECT_EQ(separa(c.linha, c.max), c.palavras) << c.linha;
+}
+
+TEST(Auxiliar, explode) {
+    const struct {
+        const char* texto;
+        char sep;
+        int total;
+        Palavras pedacos;
+    } casos[] = {
+        {"a;b;\n", ';', 3, {"a", "b", ""}},
+        {"   ", ';', -1, {}},
+        {"", ';', -1, {}},
+        {"a,,b", ',', 3, {"a", "", "b"}},
+        {";a", ';', 2, {"", "a"}},
+        {" a b", ' ', 2, {"", "a"}},
+        {" a b\n", ' ', 2, {"", "a"}},
+        {"  x;y", ';', 2, {"  x", "y"}},
+        {"\n", ';', 1, {""}},
+        {"um", ',', 1, {"um"}},
+    };
+    for (const auto& c : casos) {
+        const auto [total, pedacos] = explode_em(c.texto, c.sep);
+        EXPECT_EQ(total, c.total) << c.texto;
+        EXPECT_EQ(pedacos, c.pedacos) << c.texto;
+    }
+}
+
+TEST(Auxiliar, classifica) {
+    const std::pair<const char*, Agent> agentes[] = {
+        {"MAILQ", MAILQ},
+        {"MAILSMTP", MAILSMTP},
+        {"POPSRV", POPSRV},
+        {"ANTIVIRUS", ANTIVIRUS},
+        {"MAIL", AGENT_UNKNOWN},
+        {"MAILX", AGENT_UNKNOWN},
+        {"SPAMCATCHER", SPAMCATCHER},
+        {"x", AGENT_UNKNOWN},
+        {"", AGENT_UNKNOWN},
+        {nullptr, AGENT_UNKNOWN},
+        {"M   Q", MAILQ},
+    };
+    for (const auto& [palavra, agente] : agentes) EXPECT_EQ(getAgent(palavra), agente) << palavra;
+
+    const std::pair<const char*, Status> eventos[] = {
+        {"SUBMIT", SUBMIT},
+        {"OK", OK},
+        {"READ", READ},
+        {"END", END},
+        {"DELIVER", DELIVER},
+        {"ERROR_CONNECT", ERROR_CONNECT},
+        {"ERROR_CONNECTION", ERROR_CONNECT},
+        {"ERROR_SENDER", ERROR_SENDER},
+        {"ERROR_DEST", ERROR_DEST},
+        {"ERROR_FINAL", ERROR_FINAL},
+        {"ERROR_DATA", ERROR_DATA},
+        {"ERROR_HELO", ERROR_HELO},
+        {"ERROR_SIZE", ERROR_SIZE},
+        {"ERROR_DOMAIN", ERROR_DOMAIN},
+        {"ERROR_X", STATUS_UNKNOWN},
+        {"RETRY_DEST", READ},
+        {"VIRUS", VIRUS},
+        {"ARQUIVO", ARQUIVO},
+        {"SPAM", STATUS_UNKNOWN},
+        {"COPY", COPY},
+        {"TAGGED", TAGGED},
+        {"QUARANTINE", QUARANTINE},
+        {"DISCARD", DISCARD},
+        {"D", STATUS_UNKNOWN},
+        {"", STATUS_UNKNOWN},
+        {nullptr, STATUS_UNKNOWN},
+    };
+    for (const auto& [palavra, evento] : eventos) EXPECT_EQ(getStatus(palavra), evento) << palavra;
+
+    const std::pair<const char*, UserType> tipos[] = {
+        {"INTERNO", INTERNO},     {"POP", EXTERNO},           {"SMTPCONNI", INTERNO},
+        {"SMTPCONNEXT", EXTERNO}, {"SMTPCONN", USER_UNKNOWN}, {"SMTPCONNX", USER_UNKNOWN},
+        {"X", USER_UNKNOWN},      {nullptr, USER_UNKNOWN},
+    };
+    for (const auto& [palavra, tipo] : tipos) EXPECT_EQ(getUserType(palavra), tipo) << palavra;
+}
+
+TEST(Auxiliar, strhex) {
+    EXPECT_EQ(strhex_to_time("5f3a1b2c"), 1597643564);
+    EXPECT_EQ(strhex_to_time("0x10 1 2"), 16);
+    EXPECT_EQ(strhex_to_time(""), 0);
+    EXPECT_EQ(strhex_to_time(nullptr), 0);
+}
+
+TEST(Auxiliar, procurarUsuarioPorPrefixo) {
+    Usuario ana("ana", 1), rui("Rui@x.test", 1);
+    DList<Usuario> lista;
+    lista.putFirst(&ana);
+    lista.putFirst(&rui);
+    EXPECT_EQ(procurar_usuario(&lista, "Ana@dominio", true), &ana);
+    EXPECT_EQ(procurar_usuario(&lista, "Ana@dominio", false), nullptr);
+    EXPECT_EQ(procurar_usuario(&lista, "rui@x.tes", true), nullptr);
+    EXPECT_EQ(procurar_usuario(&lista, "rUI@x.test.br", true), &rui);
+    Usuario vazio("", 1);
+    lista.putFirst(&vazio);
+    EXPECT_EQ(procurar_usuario(&lista, "qualquer", true), &vazio);
+    EXPECT_EQ(procurar_usuario(&lista, "qualquer", false), nullptr);
+}
+
+TEST(Auxiliar, dominioDe300BytesNaoTemFim) {
+    Domain d{};
+    memset(d.name, 'd', sizeof d.name);
+    DList<Domain> lista;
+    lista.putFirst(&d);
+    EXPECT_EQ(procurar_dominio(&lista, std::string(300, 'd').c_str()), &d);
+    EXPECT_EQ(procurar_dominio(&lista, std::string(299, 'd').c_str()), nullptr);
+}
+
+TEST(Msg, errosPendentes) {
+    Msg m("id", 0);
+    EXPECT_EQ(m.add_error(etCONNECT, nullptr), 0);
+    m.add_error(etCONNECT, "T");
+    m.add_error(etCONNECT, "T");
+    m.add_error(etHELO, "T");  // the text is known already, whatever the kind
+    EXPECT_EQ(m.error_list.first(), m.error_list.last());
+    EXPECT_EQ(m.procurar_erro(etHELO, "T"), nullptr);
+    EXPECT_NE(m.procurar_erro(etCONNECT, "T"), nullptr);
+
+    m.add_error(etDATA, "");
+    m.add_error(etDATA, "");
+    m.add_error(etDEST, "dest");
+    m.add_error(etSIZE, "");
+    m.add_error(etFINAL, "x");
+    m.add_error(etCONNECTION, "x");
+    LogMailFileParser p;
+    p.remover_error(&m, nullptr);  // one DATA goes
+    p.remover_error(&m, "T");      // CONNECT and the other DATA go
+    m.remove_error(etDEST, "dest");
+    std::string ficam;
+    for (const ErrorInfo* e = m.error_list.first(); e; e = e->next)
+        ficam += std::to_string(e->error_type) + " ";
+    EXPECT_EQ(ficam, "9 8 ");
+}
+
+TEST(Msg, limites) {
+    Msg m(std::string(30, 'i').c_str(), 5);
+    EXPECT_EQ(std::string(m.id), std::string(23, 'i'));
+    EXPECT_EQ(m.start_time, 5);
+    EXPECT_EQ(m.addRecipient(std::string(201, 'n').c_str()), nullptr);
+    EXPECT_EQ(m.addRecipient(nullptr), nullptr);
+    RCPTO* r = m.addRecipient(std::string(200, 'n').c_str());
+    EXPECT_EQ(m.getRecipientByName(std::string(200, 'n').c_str()), r);
+    EXPECT_STREQ(m.str_error, "");
+    m.str_error = std::string(2000, 'e');
+    EXPECT_EQ(std::string(m.str_error).size(), 1023u);
+}
+
+TEST(Usuario, contadores) {
+    Usuario u("ana", 3);
+    for (unsigned p = 0; p < 3; ++p) EXPECT_EQ(u.incSent(p, static_cast<int>(p) + 1), 1);
+    EXPECT_EQ(u.incSent(3, 1), 0);
+    u.addSentBytes(0, -1);
+    u.addSentBytes(1, 2);
+    EXPECT_EQ(u.count(SENT, -1), 6u);
+    EXPECT_EQ(u.count(SENT, 3), 0u);
+    EXPECT_EQ(u.count(static_cast<InfoType>(8), -1), 0u);
+    EXPECT_EQ(u.getStats(-1).sent, 6u);
+    EXPECT_EQ(u.getStats(-1).bytes_sent, 1u);  // wraps at 32 bits
+    EXPECT_EQ(u.getStats(1).bytes_sent, 2u);
+    EXPECT_EQ(u.getStats(9).sent, 0u);
+    u.msgs_reference = 4;
+    u.reset_vars();
+    EXPECT_EQ(u.count(SENT, -1) + u.msgs_reference, 0u);
+    EXPECT_EQ(Usuario(nullptr, 0).getNumPeriods(), 24u);
+}
+
+}  // namespace

@@ -1,0 +1,47 @@
+// The indexed table against a plain list: the same answers after every random step.
+#include "common/Tabela.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "common/auxiliar.h"
+
+namespace {
+
+TEST(Tabela, respondeComoALista) {
+    std::mt19937 sorte(7);
+    const auto escolhe = [&](std::size_t n) {
+        return std::uniform_int_distribution<std::size_t>(0, n - 1)(sorte);
+    };
+    Tabela<Msg> tabela;
+    DList<Msg>* lista = &tabela;  // the same elements, searched by walking
+    std::vector<Msg*> dentro;
+    std::size_t achados = 0;
+    for (int passo = 0; passo < 20000; ++passo) {
+        // It grows to several hundred, shrinks to nothing, and grows again; keys repeat.
+        const bool poe = passo / 4000 % 2 == 0 ? escolhe(4) != 0 : escolhe(4) == 0;
+        const std::string id = "M" + std::to_string(escolhe(400));
+        if (poe || dentro.empty()) {
+            Msg* m = new Msg(id.c_str(), 0);
+            escolhe(3) ? tabela.putFirst(m) : tabela.putLast(m);
+            dentro.push_back(m);
+        } else {
+            const std::size_t i = escolhe(dentro.size());
+            Msg* m = dentro[i];
+            Msg* seguinte = m->next;
+            EXPECT_EQ(tabela.removeAndGetNext(m), seguinte);
+            delete m;
+            dentro[i] = dentro.back();
+            dentro.pop_back();
+        }
+        ASSERT_EQ(procurar_msg(&tabela, id.c_str()), procurar_msg(lista, id.c_str())) << passo;
+        ASSERT_EQ(tabela.total(), dentro.size());
+        achados += procurar_msg(&tabela, id.c_str()) != nullptr;
+    }
+    EXPECT_GT(achados, 5000u);
+    for (Msg* m : dentro) delete m;
+}
+
+}  // namespace
