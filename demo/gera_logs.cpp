@@ -17,7 +17,7 @@ std::uint64_t le_rotacao(const std::string& texto) {
 // "dia", "nenhuma" or a number of lines that is not 0.
 std::string confere_rotacao(const std::string& texto) {
     if (texto == "dia" || texto == "nenhuma") return "";
-    return CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 40)(const_cast<std::string&>(texto));
+    return CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 40)(texto);
 }
 
 }  // namespace

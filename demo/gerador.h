@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -25,7 +26,8 @@ struct TipoErro {
     Depois depois;
     double parte;  // usual share of messages
 };
-extern const std::array<TipoErro, 11> tipos_erro;
+constexpr std::size_t n_tipos_erro = 11;
+extern const std::array<TipoErro, n_tipos_erro> tipos_erro;
 
 // All shares lie between 0 and 1; those of messages exclude each other, in the order given here.
 struct Parametros {
@@ -38,10 +40,10 @@ struct Parametros {
 
     double spam = 0.06;
     double virus = 0.004;
-    double retidas = 0.004;        // held for many hours by a server that is down
-    std::array<double, 11> erros;  // shares of messages, by tipos_erro
-    double sem_remetente = 0.02;   // bounces: the line of submission lacks the sender
-    bool travessia = true;         // false: nothing is in flight at any midnight
+    double retidas = 0.004;                  // held for many hours by a server that is down
+    std::array<double, n_tipos_erro> erros;  // shares of messages, by tipos_erro
+    double sem_remetente = 0.02;             // bounces: the line of submission lacks the sender
+    bool travessia = true;                   // false: nothing is in flight at any midnight
 
     std::uint64_t rotacao = rotacao_diaria;  // lines a file, rotacao_diaria or rotacao_nenhuma
     double crlf = 0;                         // share of lines that end in CR LF

@@ -11,7 +11,7 @@ namespace gerador {
 
 // Readers take each argument by its place among the words, so the words around it are counted; of
 // the two ERROR_DOMAIN texts only the one with "Dominio" is an event to them.
-const std::array<TipoErro, 11> tipos_erro = {{
+const std::array<TipoErro, n_tipos_erro> tipos_erro = {{
     {"connect", "ERROR_CONNECT", "conectando em @ porta 25", Depois::tenta_de_novo, 0.025},
     {"connection", "ERROR_CONNECTION", "conexao com @ perdida", Depois::tenta_de_novo, 0.008},
     {"sender", "ERROR_SENDER", "remetente recusado pelo servidor @ 451", Depois::tenta_de_novo,
