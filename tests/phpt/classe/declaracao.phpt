@@ -1,0 +1,47 @@
+--TEST--
+The module and the class as scripts and tools see them
+--FILE--
+<?php
+var_dump(in_array('Vorna PHP admin reports functions', get_loaded_extensions(), true));
+$modulo = new ReflectionExtension('Vorna PHP admin reports functions');
+var_dump($modulo->getVersion(), count($modulo->getFunctions()));
+$classe = new ReflectionClass('vt_mrel');
+var_dump($classe->isFinal(), $classe->isCloneable(), $classe->getExtensionName());
+foreach ($classe->getMethods() as $m) {
+    echo $m->name, '(', implode(', ', array_map(fn($p) => $p->name, $m->getParameters())), ")\n";
+}
+$m = new vt_mrel();
+$m->minha = 1;
+foreach (['clone' => fn() => clone $m, 'serialize' => fn() => serialize($m),
+    'unserialize' => fn() => unserialize('O:7:"vt_mrel":0:{}')] as $nome => $faz) {
+    try {
+        $faz();
+        echo "$nome passed\n";
+    } catch (Throwable $e) {
+        echo get_class($e), ': ', $e->getMessage(), "\n";
+    }
+}
+eval('class filha extends vt_mrel {}');
+?>
+--EXPECTF--
+bool(true)
+NULL
+int(0)
+bool(true)
+bool(false)
+string(33) "Vorna PHP admin reports functions"
+__construct()
+setForceMode()
+getDataDir()
+setDataDir(dirpath)
+getLogDir()
+setLogDir(dirpath)
+getPeriods()
+setPeriods(periods)
+add_domain(domain)
+consolidate(lastConsolidFile)
+Error: Trying to clone an uncloneable object of class vt_mrel
+Exception: Serialization of 'vt_mrel' is not allowed
+Exception: Unserialization of 'vt_mrel' is not allowed
+
+Fatal error: Class filha cannot extend final class vt_mrel in %s
