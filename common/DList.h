@@ -39,3 +39,12 @@ class DList {
     T* last() const { return tail; }
     T* next(const T* e) const { return e->next; }
 };
+
+// Empties a list or table and deletes its elements.
+template <class Lista>
+void apaga_todos(Lista& lista) {
+    while (auto* e = lista.first()) {
+        lista.remove(e);
+        delete e;
+    }
+}

@@ -93,6 +93,8 @@ class LogFileParser {
 
     void traco(const char* formato, ...) const __attribute__((format(printf, 2, 3)));
 
+    Relogio relogio_;
+
     // Set by whoever meets a failure after which the point must not move; ends the run.
     bool parada_ = false;
 
@@ -110,7 +112,6 @@ class LogFileParser {
     bool recurso_em_falta(int erro);
     static constexpr std::size_t maior_linha_ = 2046;  // longer lines go on as the next line
 
-    Relogio relogio_;
     LeitorLinhas leitor_;
     std::FILE* mudo_ = nullptr;  // swallows what is written after debugOut was closed
 };

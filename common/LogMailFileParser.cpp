@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "common/auxiliar.h"
+
 LogMailFileParser::LogMailFileParser()
     : compact_logfile(nullptr),
       statistic_logfile(nullptr),
@@ -24,11 +26,8 @@ LogMailFileParser::LogMailFileParser()
 
 LogMailFileParser::~LogMailFileParser() {
     delete[] period_limit;
-    for (Domain* d = domains.first(); d;) {
-        Domain* e = d;
-        d = domains.removeAndGetNext(d);
-        delete e;
-    }
+    apaga_todos(domains);
+    apaga_todos(trabalho_);
 }
 
 bool LogMailFileParser::add_domain(char* list) {
@@ -60,12 +59,7 @@ void LogMailFileParser::esvazia() {
     fecha(statistic_logfile);
     memoria_.reset();
     hora_pronta_ = false;
-    while (Msg* m = Lista_msg.first()) {
-        Lista_msg.remove(m);
-        delete m;
-    }
-    while (Usuario* u = Lista_usu.first()) {
-        Lista_usu.remove(u);
-        delete u;
-    }
+    apaga_todos(Lista_msg);
+    apaga_todos(Lista_usu);
+    apaga_todos(trabalho_);
 }

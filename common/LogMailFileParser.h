@@ -6,6 +6,7 @@
 #include <ctime>
 #include <initializer_list>
 #include <memory>
+#include <string>
 
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
@@ -102,9 +103,76 @@ class LogMailFileParser : public LogFileParser {
     // False, and *fp null, when that fails.
     bool createFile(std::FILE** fp, const char* prefix);
 
+    // Days: the day files of a range, [start, end] in Unix seconds (_dia.cpp). Fills `files` with
+    // the paths of one file each 86400 s from `start` while not later than `end`, by UTC; the
+    // caller gives (end - start) / 86400 + 2 entries with null paths and frees the paths (new
+    // char[]).
+    void getFiles(InputFiles* files, const char* prefix, time_t start, time_t end);
+
+    // Appends a row of totals for each day that has a statistics file to `m_day`; or, when users
+    // are asked for, a row for each of their days to their own lists. False when start > end.
+    bool get_msgs_per_day(time_t start, time_t end, DList<MsgsData>* m_day,
+                          DList<MsgsDayUser>* msgs_day_user);
+    // Reads statistics files in one of three ways: users by day, else one user by hour (24 rows a
+    // file), else totals by day. False for null `files` or start > end.
+    bool parse_consolid_files(InputFiles* files, time_t start, time_t end, DList<MsgsData>* m_day,
+                              DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
+                              char* user);
+
+    // Replays compact files for a report (_replay.cpp): every line from the first one not earlier
+    // than `start` on, in each file up to the first one later than `end`. 0 for null `files` or
+    // `p`, else 1.
+    int parse_compact_files(InputFiles* files, long start, long end, ReportType type, params* p);
+
+    // The history of one message (_trace.cpp), told into the caller's empty record; its id is taken
+    // from a SUBMIT or VIRUS line and stays as it was when none is in range. 0 for a null argument
+    // or start > end, else 1. The handlers answer 0 when the line has too few fields.
+    int msg_trace(const char* msg_id, long start, long end, Msg* m);
+    int msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, char** campos, int n);
+    int msg_trace_handle_OK(const char* id, const char* destinatario, long t, Msg* m, char** campos,
+                            int n);
+    int msg_trace_handle_ERROR_DEST(const char* id, const char* destinatario, long t, Msg* m,
+                                    char** campos, int n);
+    int msg_trace_handle_ERROR_FINAL(const char* id, long t, Msg* m, char** campos, int n);
+    int msg_trace_handle_ERROR(const char* id, long t, Msg* m, char** campos, int n,
+                               ErrorType tipo);
+    int msg_trace_handle_END(const char* id, long t, Msg* m, char** campos, int n);
+    int msg_trace_handle_VIRUS(const char* id, long t, Msg* m, char** campos, int n);
+
+    // Messages sent by the senders and received by the recipients named (_usuario.cpp), comma lists
+    // of prefixes, or null; narrowed to one id (or null) and to sizes in KiB (0: no bound). Rows
+    // are added at the front of `msgs`, or changed there by id. 0 for null `msgs` or start > end,
+    // else 1.
+    int get_user_msgs(const char* destinatarios, const char* remetentes, const char* msg_id,
+                      int min_kb, int max_kb, long start, long end, DList<UserMsgs>* msgs);
+    int user_msgs_handle_SUBMIT(DList<Usuario>* remetentes, DList<Usuario>* destinatarios,
+                                unsigned min_kb, unsigned max_kb, const char* msg_id, long t,
+                                DList<UserMsgs>* msgs, char** campos, int n);
+    int user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb, unsigned max_kb,
+                            const char* msg_id, long t, DList<UserMsgs>* msgs, char** campos,
+                            int n);
+    int user_msgs_handle_END(long t, DList<UserMsgs>* msgs, char** campos, int n);
+    int user_msgs_handle_VIRUS(long t, DList<UserMsgs>* msgs, char** campos, int n);
+    int user_msgs_handle_ERROR(long t, DList<UserMsgs>* msgs, char** campos, int n, ErrorType tipo);
+
+    // Messages by hour of the day (_hora.cpp): 24 rows for the whole range, or, for one user, 24
+    // rows for each of its days. 0 for a null argument or start > end, else 1.
+    int get_msgs_per_hour(long start, long end, DList<MsgsData>* m_hour);
+    int get_msgs_per_hour_per_user(long start, long end, const char* user, DList<MsgsData>* m_hour);
+    int msgs_per_hour_handle_SUBMIT(long t, MsgsData* hora, char** campos, int n);
+    int msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id);
+    int msgs_per_hour_handle_OK(long t, const char* user, MsgsData* hora, char** campos, int n);
+    int msgs_per_hour_handle_END(MsgsData* hora, const char* user, char** campos, int n);
+    int msgs_per_hour_handle_ERROR(long t, MsgsData* hora, char** campos, int n);
+    int msgs_per_hour_handle_VIRUS(long t, MsgsData* hora, char** campos, int n);
+    int msgs_per_hour_handle_SPAM(long t, MsgsData* hora, char** campos, int n);
+
   private:
     struct RegraErro;
     struct Despacho;
+    struct Evento;
+    struct Replay;
+    struct LeituraEstatistica;
 
     // The line (_linha.cpp).
     time_t hora_da_linha();
@@ -129,6 +197,24 @@ class LogMailFileParser : public LogFileParser {
     void esvazia();
 
     static constexpr std::size_t tamanho_do_buffer = std::size_t{256} * 1024;
+
+    // Reports (_dia.cpp, _replay.cpp, _usuario.cpp).
+    bool le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
+                         DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
+                         const char* user);
+    void replay(diario::Dias dias, long start, long end, ReportType type, params* p);
+    bool corta_dominio_local(std::string& endereco);
+    Msg* trabalho_novo(const char* id, long t);
+    Msg* trabalho(const char* id, long t);
+    UserMsgs* linha_de(DList<UserMsgs>* msgs, const char* id);
+    UserMsgs* nova_linha(DList<UserMsgs>* msgs, const char* id);
+    bool remetido(DList<Usuario>* remetentes, const char* endereco);
+
+    // What reports remember of the messages they met, newest first and one record an id: later
+    // reports of this object find them again; a consolidation never sees them and forgets them.
+    Tabela<Msg> trabalho_;
+    struct IndiceDeLinhas;
+    IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
     bool hora_pronta_ = false;  // hora_ is the time of the line in osBuf.lbuf
     time_t hora_ = 0;

@@ -11,12 +11,8 @@ Msg::Msg(const char* id_, time_t inicio) : start_time(inicio) {
 }
 
 Msg::~Msg() {
-    for (RCPTO* r = recipients.first(); r;) {
-        RCPTO* e = r;
-        r = recipients.removeAndGetNext(r);
-        delete e;
-    }
-    while (error_list.first()) remove_error(error_list.first());
+    apaga_todos(recipients);
+    apaga_todos(error_list);
     delete[] sendername;
 }
 

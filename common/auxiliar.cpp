@@ -1,8 +1,10 @@
 // Words of a log line: what they mean, how a line is split, and the lookups over the records.
 #include "common/auxiliar.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -60,27 +62,34 @@ int getTokens(char* line, char** tokens, int max) {
     return n;
 }
 
-char** explode(char* str, char sep, int* count) {
+int reparte(char* str, char sep, char** pedacos) {
     const std::size_t tamanho = std::strlen(str);
-    int pedacos = 0;
+    int total = 0;
     for (std::size_t i = 0; i < tamanho; ++i) {
-        if (pedacos == 0 && str[i] != ' ') pedacos = 1;
+        if (total == 0 && str[i] != ' ') total = 1;
         if (str[i] == sep) {
             str[i] = '\0';
-            ++pedacos;
+            ++total;
         }
     }
     if (tamanho && str[tamanho - 1] == '\n') str[tamanho - 1] = '\0';
-    if (pedacos == 0) return nullptr;
+    if (total == 0) return 0;
 
-    char** inicio = new char*[static_cast<std::size_t>(pedacos) + 1];
     int usados = 0;
-    inicio[usados++] = str;
-    for (std::size_t i = 0; i < tamanho && usados < pedacos; ++i)
-        if (str[i] == '\0') inicio[usados++] = str + i + 1;
-    inicio[pedacos] = nullptr;
-    if (count) *count = pedacos;
-    return inicio;
+    pedacos[usados++] = str;
+    for (std::size_t i = 0; i < tamanho && usados < total; ++i)
+        if (str[i] == '\0') pedacos[usados++] = str + i + 1;
+    return total;
+}
+
+char** explode(char* str, char sep, int* count) {
+    const auto separadores = std::count(str, str + std::strlen(str), sep);
+    auto pedacos = std::make_unique<char*[]>(static_cast<std::size_t>(separadores) + 2);
+    const int total = reparte(str, sep, pedacos.get());
+    if (total == 0) return nullptr;
+    pedacos[static_cast<std::size_t>(total)] = nullptr;
+    if (count) *count = total;
+    return pedacos.release();
 }
 
 time_t strhex_to_time(const char* s) {

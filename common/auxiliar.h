@@ -76,6 +76,10 @@ int getTokens(char* line, char** tokens, int max);
 // separator, leading blanks are not counted as pieces and the last pieces are lost for them.
 char** explode(char* str, char sep, int* count);
 
+// The splitting of explode(), into an array of the caller's with room for one piece more than `str`
+// has separators. Answers the count, 0 for an empty or blank text; no null ends the array.
+int reparte(char* str, char sep, char** pedacos);
+
 // Unix seconds from hexadecimal text (field 0 of a compact line); 0 for a null or empty text.
 time_t strhex_to_time(const char* s);
 

@@ -1,12 +1,19 @@
 // The day files: names and line formats.
 #include "common/diario.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <initializer_list>
 
 namespace diario {
 
 namespace {
+
+constexpr std::uint64_t dia_em_segundos = 86400;
 
 void campo(Linha& linha, std::uint32_t v) {
     linha.letra(' ').numero(static_cast<std::int32_t>(v));
@@ -43,6 +50,82 @@ void escreve_usuario(std::FILE* f, const char* nome, const usuStats& s) {
          {s.sent, s.bytes_sent, s.recv, s.bytes_recv, s.virus, s.spam, s.error, s.att_blocked})
         campo(linha, v);
     linha.letra('\n').termina();
+}
+
+int le_numeros(const char* texto, std::uint32_t* numeros, int n) {
+    for (int i = 0; i < n; ++i) {
+        char* fim;
+        const long long v = std::strtoll(texto, &fim, 10);
+        if (fim == texto) return i;
+        numeros[i] = static_cast<std::uint32_t>(v);
+        texto = fim;
+    }
+    return n;
+}
+
+void nome_para_leitor(char (&path)[maior_caminho], const char* dir, const char* prefix, time_t t,
+                      int& mes, int& ano) {
+    struct tm tm = {};
+    gmtime_r(&t, &tm);
+    mes = tm.tm_mon + 1;
+    ano = tm.tm_year - 100;
+    nome_do_dia(path, dir, mes, ano, prefix, tm.tm_mday);
+}
+
+Dias::Dias(const char* dir, const char* prefix, time_t start, time_t end)
+    : dia_(start), dir_(dir), prefix_(prefix) {
+    constexpr std::int64_t ano_2000 = 946684800, ano_2100 = 4102444800;
+    const std::int64_t fim = std::min<std::int64_t>(end, ano_2100 - 1);
+    if (start >= end || start > fim) return;
+    // Unsigned, since the ends of the range may lie anywhere.
+    std::uint64_t passos = 0;
+    if (start < ano_2000) {
+        const std::uint64_t antes = std::uint64_t{ano_2000} - static_cast<std::uint64_t>(start);
+        passos = (antes + dia_em_segundos - 1) / dia_em_segundos;
+    }
+    const std::uint64_t ate = static_cast<std::uint64_t>(fim) - static_cast<std::uint64_t>(start);
+    if (passos * dia_em_segundos > ate) return;
+    dia_ = static_cast<time_t>(static_cast<std::uint64_t>(start) + passos * dia_em_segundos);
+    restam_ = ate / dia_em_segundos - passos + 1;
+}
+
+Dias::Dias(const InputFiles* files, time_t start, time_t end) : files_(files), dia_(start) {
+    const std::uint64_t largura =
+        static_cast<std::uint64_t>(end) - static_cast<std::uint64_t>(start);
+    const std::uint64_t avesso =
+        static_cast<std::uint64_t>(start) - static_cast<std::uint64_t>(end);
+    if (start <= end)
+        restam_ = largura / dia_em_segundos + 2;
+    else if (avesso < 2 * dia_em_segundos)
+        restam_ = 2 - avesso / dia_em_segundos;
+}
+
+bool Dias::proximo() {
+    if (restam_ == 0) return false;
+    --restam_;
+    if (!parado_) {
+        dia_ = static_cast<time_t>(static_cast<std::uint64_t>(dia_) + dia_em_segundos);
+        if (files_) ++files_;
+    }
+    parado_ = false;
+    if (files_) return files_->file != nullptr;
+    nome_para_leitor(path_, dir_, prefix_, dia_, mes_, ano_);
+    return true;
+}
+
+Stream Dias::abre() {
+    if (files_) return abre_regular(files_->file);
+    if (mes_ == mes_ausente_ && ano_ == ano_ausente_) return nullptr;
+    Stream f = abre_regular(path_);
+    if (!f && errno == ENOENT) {
+        char mes[maior_caminho];
+        nome_do_mes(mes, dir_, mes_, ano_);
+        if (access(mes, F_OK) != 0) {
+            mes_ausente_ = mes_;
+            ano_ausente_ = ano_;
+        }
+    }
+    return f;
 }
 
 }  // namespace diario

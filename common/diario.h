@@ -6,7 +6,9 @@
 #include <ctime>
 
 #include "common/Usuario.h"
+#include "common/relatorio.h"
 #include "misc/linha.h"
+#include "misc/ncutils.h"
 
 namespace diario {
 
@@ -40,5 +42,43 @@ void escreve_periodo(std::FILE* f, time_t inicio);
 // A user's counters of one period: name, sent, bytes_sent, recv, bytes_recv, virus, spam, error,
 // att_blocked.
 void escreve_usuario(std::FILE* f, const char* nome, const usuStats& s);
+
+// Reads up to `n` decimal numbers from `texto` as the lines above hold them; answers how many stood
+// there. Their low 32 bits are kept.
+int le_numeros(const char* texto, std::uint32_t* numeros, int n);
+
+// The day files of a report: from `start`, every 86400 seconds, while not later than `end`. Names
+// go by UTC, those of the writer by local time: the same while the zone's day and the UTC day of
+// each step are. Walks only days whose file can exist (2000 to 2099), without memory for the range.
+class Dias {
+  public:
+    // No days unless `start` is earlier than `end`.
+    Dias(const char* dir, const char* prefix, time_t start, time_t end);
+    // The files of an array that getFiles filled for the range, up to its first null.
+    Dias(const InputFiles* files, time_t start, time_t end);
+
+    // Goes to the (next) day; false when there is none.
+    bool proximo();
+    // The day's file, and `start` plus its 86400 second steps.
+    const char* path() const { return files_ ? files_->file : path_; }
+    time_t dia() const { return dia_; }
+    // The file, open for reading; null when it cannot be.
+    Stream abre();
+
+  private:
+    const InputFiles* files_ = nullptr;
+    std::uint64_t restam_ = 0;  // days not yet walked
+    bool parado_ = true;        // before the first day
+    time_t dia_;
+    const char* dir_ = nullptr;
+    const char* prefix_ = nullptr;
+    int mes_ = 0, ano_ = 0;
+    int mes_ausente_ = 0, ano_ausente_ = 0;  // a month without a directory: nothing to open in it
+    char path_[maior_caminho];
+};
+
+// Writes the path of the day file that readers look for at `t`, and its month and year.
+void nome_para_leitor(char (&path)[maior_caminho], const char* dir, const char* prefix, time_t t,
+                      int& mes, int& ano);
 
 }  // namespace diario

@@ -56,6 +56,7 @@ void Relogio::comeca() {
     tzset();
     guarda_ = true;
     cheio_ = false;
+    hora_do_quarto_ = -1;
 }
 
 time_t Relogio::do_registro(const char* t) {
@@ -91,6 +92,16 @@ time_t Relogio::da_hora(const struct tm& tm) {
     inicio_ = mktime(&primeiro);
     cheio_ = inicio_ != -1 && mktime(&ultimo) - inicio_ == 3599;
     return cheio_ ? inicio_ + tm.tm_min * 60 + tm.tm_sec : mktime(&pedido);
+}
+
+int Relogio::hora_do_dia(time_t t) {
+    const time_t quarto = t / 900 - (t % 900 < 0);
+    if (guarda_ && hora_do_quarto_ >= 0 && quarto == quarto_) return hora_do_quarto_;
+    struct tm tm;
+    if (!localtime_r(&t, &tm)) return -1;
+    quarto_ = quarto;
+    hora_do_quarto_ = tm.tm_hour;
+    return tm.tm_hour;
 }
 
 time_t meia_noite(time_t t) {

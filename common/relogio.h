@@ -1,11 +1,11 @@
-// Local time: from a log line's stamp to Unix seconds.
+// Local time: from a log line's stamp to Unix seconds, and from those to the hour of the day.
 #pragma once
 
 #include <ctime>
 
-// The conversions of one consolidation. Between comeca() and termina() the last hour converted is
-// kept, so that mktime runs only when the date or the hour changes; outside, nothing is kept, since
-// the zone may change between two calls.
+// The conversions of one consolidation or report. Between comeca() and termina() the last one is
+// kept, so that the C library is asked only when the date or the hour changes; outside, nothing is
+// kept, since the zone may change between two calls.
 class Relogio {
   public:
     // Takes over the zone that is now in force and forgets what was kept.
@@ -18,6 +18,9 @@ class Relogio {
     // lacks run over into the next. -1 when the C library has no value for it.
     time_t do_registro(const char* texto);
 
+    // The hour of the day (0 to 23) at `t`, local time; -1 when it cannot be had.
+    int hora_do_dia(time_t t);
+
   private:
     time_t da_hora(const struct tm& tm);
 
@@ -25,6 +28,10 @@ class Relogio {
     bool cheio_ = false;   // hora_ and inicio_ hold
     char hora_[13] = {};   // "Mmm dd hh" and "yyyy" of the hour kept
     time_t inicio_ = 0;    // its first second
+
+    // Zones shift at quarter hours of UTC: within one the hour of the day is the same.
+    time_t quarto_ = 0;
+    int hora_do_quarto_ = -1;  // negative: nothing is kept
 };
 
 // Midnight at the start of the local day that holds `t`.

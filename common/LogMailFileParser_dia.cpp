@@ -1,0 +1,202 @@
+// The days of a range, and the reports that read statistics files.
+#include <cstring>
+#include <unordered_map>
+
+#include "common/LogMailFileParser.h"
+#include "common/auxiliar.h"
+
+namespace {
+
+constexpr std::size_t maior_linha = 2047;
+constexpr unsigned linhas_por_dia = 24;
+
+// Copies the next line, cut at its first NUL, into `linha`. False at the end of the file.
+bool le(LeitorLinhas& leitor, char (&linha)[maior_linha + 1]) {
+    const char* lida;
+    const std::size_t n = leitor.proxima(&lida, maior_linha);
+    std::memcpy(linha, lida, n);
+    linha[n] = '\0';
+    return n != 0;
+}
+
+// Cuts the name that begins a user's line off from its numbers, whose start it answers.
+const char* separa_nome(char* linha, std::string& nome) {
+    static constexpr char brancos[] = " \t\n\v\f\r";
+    char* inicio = linha + std::strspn(linha, brancos);
+    char* fim = inicio + std::strcspn(inicio, brancos);
+    nome.assign(inicio, fim);
+    return fim;
+}
+
+MsgsData* nova_linha(DList<MsgsData>* lista, time_t timestamp) {
+    MsgsData* d = new MsgsData{};
+    d->timestamp = timestamp;
+    lista->putLast(d);
+    return d;
+}
+
+// The numbers of a user's line; those that are missing are 0.
+usuStats le_usuario(const char* numeros) {
+    std::uint32_t v[8] = {};
+    diario::le_numeros(numeros, v, 8);
+    return {v[0], v[2], v[1], v[3], v[4], v[5], v[6], v[7]};
+}
+
+}  // namespace
+
+// One reading of the statistics files of a range; each way of reading takes one open file.
+struct LogMailFileParser::LeituraEstatistica {
+    LogMailFileParser& p;
+    LeitorLinhas leitor{};
+    char linha[maior_linha + 1] = {};
+    std::string nome{};
+    std::unordered_map<std::string, MsgsDayUser*> usuarios{};
+
+    void totais(time_t dia, DList<MsgsData>* m_day) {
+        std::uint32_t v[10];
+        if (!le(leitor, linha) || diario::le_numeros(linha, v, 10) != 10) return;
+        MsgsData* d = nova_linha(m_day, dia);
+        d->spam = v[2];
+        d->virus = v[3];
+        d->error = v[4];
+        d->att_blocked = v[5];
+        d->msgs_int = v[6];
+        d->bytes_int = v[7];
+        d->msgs_ext = v[8];
+        d->bytes_ext = v[9];
+    }
+
+    void indexa(DList<MsgsDayUser>* pedidos) {
+        for (MsgsDayUser* u = pedidos->first(); u; u = u->next) usuarios.emplace(u->username, u);
+    }
+
+    MsgsDayUser* pedido() {
+        auto u = usuarios.find(nome);
+        if (u == usuarios.end() && p.corta_dominio_local(nome)) u = usuarios.find(nome);
+        return u == usuarios.end() ? nullptr : u->second;
+    }
+
+    // Every line is read as a user's; those that are none find nobody.
+    void por_usuario(time_t dia, DList<MsgsDayUser>* pedidos) {
+        while (le(leitor, linha)) {
+            const char* numeros = separa_nome(linha, nome);
+            MsgsDayUser* u = pedido();
+            if (!u) continue;
+            MsgsData* d = u->has_data ? u->m_day.last() : nullptr;
+            if (!d) d = nova_linha(&u->m_day, dia);
+            u->has_data = true;
+            const usuStats s = le_usuario(numeros);
+            d->msgs_ext += s.sent;
+            d->bytes_ext += s.bytes_sent;
+            d->msgs_int += s.recv;
+            d->bytes_int += s.bytes_recv;
+            d->virus += s.virus;
+            // Crossed, here and by the hour, unlike in the totals: pages have always shown them so.
+            d->error += s.spam;
+            d->spam += s.error;
+            d->att_blocked += s.att_blocked;
+        }
+        for (MsgsDayUser* u = pedidos->first(); u; u = u->next) u->has_data = false;
+    }
+
+    bool e_do_usuario(const char* user) {
+        return nome == user || (p.corta_dominio_local(nome) && nome == user);
+    }
+
+    void por_hora(DList<MsgsData>* m_hour, const char* user) {
+        MsgsData* horas[linhas_por_dia];
+        for (MsgsData*& h : horas) h = nova_linha(m_hour, 0);
+        unsigned colchetes = 0;
+        bool procura = false;
+        while (le(leitor, linha)) {
+            if (linha[0] == '[') {
+                procura = colchetes < linhas_por_dia;
+                if (procura) {
+                    horas[colchetes]->timestamp =
+                        static_cast<time_t>(std::strtoll(linha + 1, nullptr, 10));
+                    ++colchetes;
+                }
+                continue;
+            }
+            if (!procura) continue;
+            const char* numeros = separa_nome(linha, nome);
+            if (!e_do_usuario(user)) continue;
+            procura = false;
+            const usuStats s = le_usuario(numeros);
+            MsgsData* h = horas[colchetes - 1];
+            h->msgs_ext = s.sent;
+            h->bytes_ext = s.bytes_sent;
+            h->msgs_int = s.recv;
+            h->bytes_int = s.bytes_recv;
+            h->virus = s.virus;
+            h->spam = s.error;
+            h->error = s.spam;
+            h->att_blocked = s.att_blocked;
+        }
+    }
+};
+
+// Leaves the part before "@" when what follows is a local domain. False, and nothing changed, else.
+bool LogMailFileParser::corta_dominio_local(std::string& endereco) {
+    const auto arroba = endereco.find('@');
+    if (arroba == std::string::npos || !procurar_dominio(&domains, endereco.c_str() + arroba + 1))
+        return false;
+    endereco.resize(arroba);
+    return true;
+}
+
+void LogMailFileParser::getFiles(InputFiles* files, const char* prefix, time_t start, time_t end) {
+    if (start >= end) return;
+    for (time_t t = start;; t += 86400) {
+        char path[diario::maior_caminho];
+        int mes, ano;
+        diario::nome_para_leitor(path, data_dir, prefix, t, mes, ano);
+        (files++)->file = copia_texto(path);
+        if (end - t < 86400) return;
+    }
+}
+
+bool LogMailFileParser::get_msgs_per_day(time_t start, time_t end, DList<MsgsData>* m_day,
+                                         DList<MsgsDayUser>* msgs_day_user) {
+    if (start > end) {
+        traco("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
+        return false;
+    }
+    return le_estatisticas({data_dir, diario::estatistica, start, end}, m_day, msgs_day_user,
+                           nullptr, nullptr);
+}
+
+bool LogMailFileParser::parse_consolid_files(InputFiles* files, time_t start, time_t end,
+                                             DList<MsgsData>* m_day,
+                                             DList<MsgsDayUser>* msgs_day_user,
+                                             DList<MsgsData>* m_hour, char* user) {
+    if (!files || start > end) {
+        traco("LogMailFileParser::parse_consolid_files : Params. inv\xE1lidos.\r\n");
+        return false;
+    }
+    return le_estatisticas({files, start, end}, m_day, msgs_day_user, m_hour, user);
+}
+
+bool LogMailFileParser::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
+                                        DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
+                                        const char* user) {
+    LeituraEstatistica leitura{*this};
+    if (msgs_day_user) leitura.indexa(msgs_day_user);
+    // Of a day's totals only the first line is wanted.
+    const std::size_t bloco = msgs_day_user || m_hour ? LeitorLinhas::bloco : 4096;
+    while (dias.proximo()) {
+        const Stream f = dias.abre();
+        if (!f) {
+            traco("LogMailFileParser::parse_consolid_files : Erro ao abrir %s\r\n", dias.path());
+            continue;
+        }
+        leitura.leitor.abre(fileno(f.get()), bloco);
+        if (msgs_day_user)
+            leitura.por_usuario(dias.dia(), msgs_day_user);
+        else if (m_hour)
+            leitura.por_hora(m_hour, user);
+        else
+            leitura.totais(dias.dia(), m_day);
+    }
+    return true;
+}

@@ -1,0 +1,104 @@
+// Messages by hour of the day: from compact lines for all users, from statistics files for one.
+#include "common/LogMailFileParser.h"
+#include "common/auxiliar.h"
+#include "misc/numero.h"
+
+int LogMailFileParser::get_msgs_per_hour(long start, long end, DList<MsgsData>* m_hour) {
+    if (start > end || !m_hour) {
+        traco("LogMailFileParser::get_msgs_per_hour : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    params p{};
+    p.m_hour = m_hour;
+    replay({data_dir, diario::compacto, start, end}, start, end, MSGS_PER_HOUR, &p);
+    return 1;
+}
+
+int LogMailFileParser::get_msgs_per_hour_per_user(long start, long end, const char* user,
+                                                  DList<MsgsData>* m_hour) {
+    if (start > end || !user) {
+        // The text of the report by day: whoever reads the trace looks for it here too.
+        traco("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
+        return 0;
+    }
+    le_estatisticas({data_dir, diario::estatistica, start, end}, nullptr, nullptr, m_hour, user);
+    return 1;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long t, MsgsData* hora, char** campos, int n) {
+    if (!hora || !campos) {
+        traco("LogMailFileParser::msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    if (n < 7) return 0;
+    Msg* m = trabalho_novo(campos[3], t);
+    m->int_user = getUserType(campos[4]) == INTERNO;
+    m->define_remetente(campos[5]);
+    m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
+    return 1;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id) {
+    if (t != 0 && hora && id) return 1;
+    traco("LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
+    return 0;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, char**, int) {
+    return 1;
+}
+
+// A message whose submission was not seen is not counted. A spam or virus message counts here for
+// the second time.
+int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
+    if (!hora || !campos || n < 4) {
+        traco("LogMailFileParser::msgs_per_hour_handle_END : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    const Msg* m = procurar_msg(&trabalho_, campos[3]);
+    if (!m) return 1;
+    const bool falhou = m->error || m->fatal_error;
+    if (falhou)
+        ++hora->error;
+    else if (m->spam)
+        ++hora->spam;
+    else if (m->att_blocked)
+        ++hora->att_blocked;
+    else if (m->virus)
+        ++hora->virus;
+    if (!falhou) {
+        ++(m->int_user ? hora->msgs_int : hora->msgs_ext);
+        (m->int_user ? hora->bytes_int : hora->bytes_ext) += m->size;
+    }
+    return 1;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_ERROR(long t, MsgsData* hora, char** campos, int n) {
+    if (!hora || n < 4) {
+        traco("LogMailFileParser::msgs_per_hour_handle_ERROR : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    trabalho(campos[3], t)->error = true;
+    return 1;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_VIRUS(long t, MsgsData* hora, char** campos, int n) {
+    if (n <= 3) {
+        traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
+        return 0;
+    }
+    trabalho(campos[3], t)->virus = true;
+    ++hora->virus;
+    return 1;
+}
+
+int LogMailFileParser::msgs_per_hour_handle_SPAM(long t, MsgsData* hora, char** campos, int n) {
+    if (n <= 3) {
+        // Under the other event's name, as the traces have always said it.
+        traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
+        return 0;
+    }
+    trabalho(campos[3], t)->spam = true;
+    ++hora->spam;
+    return 1;
+}

@@ -1,0 +1,185 @@
+// The history of one message, told from compact lines.
+#include <cstdarg>
+#include <cstring>
+
+#include "common/LogMailFileParser.h"
+#include "common/auxiliar.h"
+#include "misc/numero.h"
+
+namespace {
+
+bool e_dela(const char* id, char** campos) {
+    return std::strcmp(campos[3], id) == 0;
+}
+
+void toma_id(Msg* m, const char* id) {
+    std::memset(m->id, 0, sizeof m->id);
+    std::memcpy(m->id, id, strnlen(id, sizeof m->id - 1));
+}
+
+// Appends a dated sentence to the message's text. Nothing when the local time cannot be had.
+void acrescenta(Msg* m, long t, const std::string& frase) {
+    const time_t quando = t;
+    struct tm tm;
+    if (!localtime_r(&quando, &tm)) return;
+    char data[80];
+    std::snprintf(data, sizeof data, "%02d/%02d/%04d %02d:%02d:%02d - ", tm.tm_mday, tm.tm_mon + 1,
+                  tm.tm_year + 1900, tm.tm_hour, tm.tm_min, tm.tm_sec);
+    m->str_error = std::string(m->str_error) + data + frase;
+}
+
+}  // namespace
+
+int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* m) {
+    if (!msg_id || !m || start > end) {
+        traco("LogMailFileParser::msg_trace : Params. inv\xE1lidos.\r\n");
+        return 0;
+    }
+    params p{};
+    p.m = m;
+    p.msg_id = const_cast<char*>(msg_id);
+    replay({data_dir, diario::compacto, start, end}, start, end, MSGTRACE, &p);
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, char** campos,
+                                               int n) {
+    if (n < 4) {
+        traco("LogMailFileParser::msg_trace_handle_SUBMIT: N\xFAmeros de params. incorreto.\r\n");
+        return 0;
+    }
+    if (!e_dela(id, campos)) return 1;
+    m->start_time = t;
+    toma_id(m, campos[3]);
+    if (n > 5) m->define_remetente(campos[5]);
+    m->int_user = n > 4 && getUserType(campos[4]) == INTERNO;
+    if (n > 6) m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinatario, long t, Msg* m,
+                                           char** campos, int n) {
+    if (n < 5) {
+        traco("LogMailFileParser::msg_trace_handle_OK: N\xFAmeros de params. incorreto.\r\n");
+        return 0;
+    }
+    if (e_dela(id, campos)) {
+        if (RCPTO* r = procurar_recipient(&m->recipients, destinatario)) {
+            // One who was refused before is left without a text, not with that of a delivery.
+            r->error = false;
+            r->last_time = t;
+            r->status_msg[0] = '\0';
+        } else if ((r = m->addRecipient(destinatario))) {
+            r->last_time = t;
+            std::strcpy(r->status_msg, "Mensagem entregue.");
+        }
+    }
+    // Whoever's message it was: the destination answers again.
+    m->remove_error(etCONNECT, destinatario);
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_ERROR_DEST(const char* id, const char* destinatario, long t,
+                                                   Msg* m, char** campos, int n) {
+    if (n < 5) {
+        traco(
+            "LogMailFileParser::msg_trace_handle_ERROR_DEST: N\xFAmeros de params. incorreto.\r\n");
+        return 0;
+    }
+    if (!e_dela(id, campos)) return 1;
+    if (RCPTO* r = m->addRecipient(destinatario)) {
+        r->last_time = t;
+        r->error = true;
+        std::snprintf(r->status_msg, sizeof r->status_msg, "Destinat\xE1rio %s inv\xE1lido.",
+                      destinatario);
+    }
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_ERROR_FINAL(const char* id, long, Msg* m, char** campos,
+                                                    int n) {
+    if (n < 4) {
+        traco(
+            "LogMailFileParser::msg_trace_handle_ERROR_FINAL: N\xFAmeros de params. "
+            "incorreto.\r\n");
+        return 0;
+    }
+    if (!e_dela(id, campos)) return 1;
+    std::string texto;
+    std::size_t letras = 0;
+    for (int i = 4; i < n && letras < TextoErro::capacidade; ++i) {
+        letras += std::strlen(campos[i]);
+        texto += campos[i];
+        texto += ' ';
+    }
+    if (n > 4) m->str_error = texto;
+    m->fatal_error = true;
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_ERROR(const char* id, long t, Msg* m, char** campos, int n,
+                                              ErrorType tipo) {
+    // A line without an id hits whatever message is traced.
+    if (id && n > 3 && !e_dela(id, campos)) return 0;
+    const std::size_t sobra = TextoErro::capacidade - std::strlen(m->str_error);
+    const char* detalhe = n > 4 ? campos[4] : nullptr;
+    switch (tipo) {
+        case etDATA: {
+            static const std::string frase =
+                "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n";
+            if (frase.size() + 50 < sobra) acrescenta(m, t, frase);
+            m->error = true;
+            break;
+        }
+        case etSIZE: {
+            static const std::string frase = "A mensagem foi rejeitada (muito grande).\n";
+            if (frase.size() < sobra) acrescenta(m, t, frase);
+            m->error = true;
+            break;
+        }
+        case etSENDER:
+            if (!detalhe)
+                acrescenta(m, t, "Mensagem rejeitada pelo relay.\n");
+            else if (std::strlen(detalhe) + 80 < sobra)
+                acrescenta(m, t,
+                           std::string("Mensagem rejeitada pelo relay ") + detalhe +
+                               " remetente invalido.\n");
+            m->error = true;
+            break;
+        case etCONNECT:
+            if (n > 5)
+                m->str_error = std::string("Erro contactando o dom\xEDnio ") + detalhe + ".";
+            else
+                m->str_error = "Erro contactando o dom\xEDnio de destino.";
+            // An error only if it is still pending at an END.
+            m->add_error(etCONNECT, detalhe);
+            break;
+        default:
+            break;
+    }
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_END(const char* id, long t, Msg* m, char** campos, int n) {
+    if (n < 4) {
+        traco("LogMailFileParser::msg_trace_handle_END: N\xFAmeros de params. incorreto.\r\n");
+        return 0;
+    }
+    if (e_dela(id, campos)) m->end_time = t;
+    // At the END of any message: what is pending by then counts.
+    if (m->error || m->fatal_error) return 1;
+    m->error = m->error_list.first() != nullptr;
+    for (const RCPTO* r = m->recipients.first(); r && !m->error; r = r->next) m->error = r->error;
+    return 1;
+}
+
+int LogMailFileParser::msg_trace_handle_VIRUS(const char* id, long, Msg* m, char** campos, int n) {
+    if (n < 4) {
+        traco("LogMailFileParser::msg_trace_handle_VIRUS: N\xFAmeros de params. incorreto.\r\n");
+        return 0;
+    }
+    if (!e_dela(id, campos)) return 1;
+    toma_id(m, campos[3]);
+    m->virus = true;
+    return 1;
+}

@@ -1,0 +1,243 @@
+// The messages of given senders and recipients, from compact lines.
+#include <cstring>
+#include <string_view>
+#include <unordered_map>
+
+#include "common/LogMailFileParser.h"
+#include "common/auxiliar.h"
+#include "misc/numero.h"
+
+namespace {
+
+struct HashDeId {
+    std::size_t operator()(std::string_view id) const { return hash_chave(id.data(), id.size()); }
+};
+
+// A filter list; its users live as long as it does.
+class Filtro {
+  public:
+    // Names separated by ','; null for no filter.
+    explicit Filtro(const char* nomes) {
+        if (!nomes) return;
+        dado_ = true;
+        const std::unique_ptr<char[]> copia(copia_texto(nomes));  // explode cuts in place
+        const std::unique_ptr<char*[]> lista(explode(copia.get(), ',', nullptr));
+        for (char** nome = lista.get(); nome && *nome; ++nome)
+            lista_.putFirst(new Usuario(*nome, 24));
+    }
+    ~Filtro() { apaga_todos(lista_); }
+    Filtro(const Filtro&) = delete;
+    Filtro& operator=(const Filtro&) = delete;
+
+    DList<Usuario>* lista() { return dado_ ? &lista_ : nullptr; }
+
+  private:
+    bool dado_ = false;
+    DList<Usuario> lista_;
+};
+
+bool cabe(std::uint32_t tamanho, unsigned min_kb, unsigned max_kb) {
+    return (min_kb == 0 || tamanho >= std::uint64_t{min_kb} * 1024) &&
+           (max_kb == 0 || tamanho <= std::uint64_t{max_kb} * 1024);
+}
+
+void define_remetente(UserMsgs* linha, const char* nome) {
+    char* novo = copia_texto(nome);
+    delete[] linha->sendername;
+    linha->sendername = novo;
+}
+
+void marca_erro(UserMsgs* linha, std::string_view texto) {
+    linha->str_error = texto;
+    linha->error = true;
+}
+
+}  // namespace
+
+// The rows of a list by id, the one nearest the head answering.
+struct LogMailFileParser::IndiceDeLinhas {
+    const DList<UserMsgs>* lista;
+    std::unordered_map<std::string_view, UserMsgs*, HashDeId> linhas;
+
+    explicit IndiceDeLinhas(const DList<UserMsgs>* l) : lista(l) {
+        for (UserMsgs* u = l->first(); u; u = u->next) linhas.emplace(u->msg_id, u);
+    }
+
+    UserMsgs* procura(const char* id) const {
+        const auto achada = linhas.find(id);
+        return achada == linhas.end() ? nullptr : achada->second;
+    }
+
+    void poe_na_frente(UserMsgs* u) { linhas[u->msg_id] = u; }
+};
+
+UserMsgs* LogMailFileParser::linha_de(DList<UserMsgs>* msgs, const char* id) {
+    return indice_ && indice_->lista == msgs ? indice_->procura(id) : procurar_msg(msgs, id);
+}
+
+// A new row at the front of the list.
+UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const char* id) {
+    UserMsgs* u = new UserMsgs{};
+    std::memcpy(u->msg_id, id, strnlen(id, sizeof u->msg_id - 1));
+    msgs->putFirst(u);
+    if (indice_ && indice_->lista == msgs) indice_->poe_na_frente(u);
+    return u;
+}
+
+int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
+                                     const char* msg_id, int min_kb, int max_kb, long start,
+                                     long end, DList<UserMsgs>* msgs) {
+    if (!msgs || start > end) {
+        traco("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    Filtro de(remetentes), para(destinatarios);
+    params p{};
+    p.msgs = msgs;
+    p.min_kb = static_cast<std::uint32_t>(min_kb);
+    p.max_kb = static_cast<std::uint32_t>(max_kb);
+    p.msg_id = const_cast<char*>(msg_id);
+    p.remetentes = de.lista();
+    p.destinatarios = para.lista();
+
+    IndiceDeLinhas indice(msgs);
+    struct Devolve {
+        IndiceDeLinhas*& indice;
+        ~Devolve() { indice = nullptr; }
+    } devolve{indice_};
+    indice_ = &indice;
+    replay({data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
+    return 1;
+}
+
+int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
+                                               DList<Usuario>* destinatarios, unsigned min_kb,
+                                               unsigned max_kb, const char* msg_id, long t,
+                                               DList<UserMsgs>* msgs, char** campos, int n) {
+    if (n <= 5) {
+        traco("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    const char* id = campos[3];
+    Msg* m = trabalho_novo(id, t);
+    if (n > 6) m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
+    m->int_user = getUserType(campos[4]) == INTERNO;
+    m->define_remetente(campos[5]);
+
+    const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
+    if ((remetentes || destinatarios) && !e_o_pedido &&
+        !(remetentes && remetido(remetentes, campos[5])))
+        return 1;
+    if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
+    UserMsgs* u = nova_linha(msgs, id);
+    u->start_time = t;
+    u->size = m->size;
+    u->enviada = 'S';
+    u->int_user = m->int_user;
+    define_remetente(u, campos[5]);
+    return 1;
+}
+
+// The sender is in the list, by his address or, when its domain is local, by the part before it.
+bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* endereco) {
+    if (procurar_usuario(remetentes, endereco, true)) return true;
+    std::string local(endereco);
+    return corta_dominio_local(local) && procurar_usuario(remetentes, local.c_str(), true);
+}
+
+int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
+                                           unsigned max_kb, const char* msg_id, long t,
+                                           DList<UserMsgs>* msgs, char** campos, int n) {
+    if (n <= 4) {
+        traco("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    const char* id = campos[3];
+    const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
+    if (!e_o_pedido && !(destinatarios && procurar_usuario(destinatarios, campos[4], true)))
+        return 1;
+    Msg* m = procurar_msg(&trabalho_, id);
+    if (m) {
+        if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
+    } else {
+        m = trabalho_novo(id, t);
+    }
+    UserMsgs* u = linha_de(msgs, id);
+    if (!u) u = nova_linha(msgs, id);
+    if (m->sendername) define_remetente(u, m->sendername);
+    u->start_time = t;
+    u->last_time = u->end_time = 0;
+    u->size = m->size;
+    u->error = m->error;
+    u->virus = m->virus;
+    u->spam = m->spam;
+    u->int_user = m->int_user;
+    u->enviada = 'N';  // also when it was listed as sent
+    return 1;
+}
+
+int LogMailFileParser::user_msgs_handle_END(long t, DList<UserMsgs>*, char** campos, int n) {
+    if (n <= 3) {
+        traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    Msg* m = procurar_msg(&trabalho_, campos[3]);
+    if (!m) return 1;
+    m->end_time = t;
+    // Not fatal counts as an error from here on: a later hour report of this object shows it.
+    m->error = !m->fatal_error;
+    return 1;
+}
+
+int LogMailFileParser::user_msgs_handle_VIRUS(long t, DList<UserMsgs>* msgs, char** campos, int n) {
+    if (n <= 3) {
+        traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
+        return 0;
+    }
+    trabalho(campos[3], t)->virus = true;
+    if (UserMsgs* u = linha_de(msgs, campos[3])) u->virus = true;
+    return 1;
+}
+
+// The pending errors and the refused recipients of a working record are read by nobody, so only
+// what shows is kept of them: the flags, and the row's text.
+int LogMailFileParser::user_msgs_handle_ERROR(long t, DList<UserMsgs>* msgs, char** campos, int n,
+                                              ErrorType tipo) {
+    if (n <= 3) {
+        traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
+        return 0;
+    }
+    Msg* m = trabalho(campos[3], t);
+    if (tipo == etHELO && n < 5) m->error = true;
+    if (tipo == etSENDER) m->fatal_error = true;
+    UserMsgs* u = linha_de(msgs, campos[3]);
+    if (!u) return 1;
+    const bool detalhado = n > 4;
+    switch (tipo) {
+        case etCONNECT:
+            if (detalhado) marca_erro(u, std::string("Erro conectando ") + campos[4] + "\n");
+            break;
+        case etDATA:
+            if (detalhado) marca_erro(u, "Erro na fase data!");
+            break;
+        case etDEST:
+            if (detalhado) marca_erro(u, "Destinat\xE1rio inv\xE1lido.");
+            break;
+        case etFINAL:
+            if (detalhado) u->error = true;
+            break;
+        case etSENDER:
+            marca_erro(u, "Erro no sender!");
+            break;
+        case etRETRY_DEST:
+            marca_erro(u, "Remetente temporiariamente indispon\xEDvel.");
+            break;
+        case etSIZE:
+        case etDOMAIN:
+            marca_erro(u, "A mensagem foi rejeitada por ser muito grande.");
+            break;
+        default:
+            break;
+    }
+    return 1;
+}
