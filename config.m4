@@ -9,6 +9,8 @@ if test "$PHP_VT_MREL" != "no"; then
   VT_MREL_SOURCES="
     misc/gravacao.cpp
     misc/ncutils.cpp
+    borland/vtstring.cpp
+    borland/vtstringlist.cpp
     common/Tabela.cpp
   "
   dnl At most level 2 of the fortified functions: the string library formats with the size of its whole record as the limit.
