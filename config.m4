@@ -9,6 +9,8 @@ if test "$PHP_VT_MREL" != "no"; then
   VT_MREL_SOURCES="
     misc/gravacao.cpp
     misc/ncutils.cpp
+    misc/xmlhelper.cpp
+    borland/XmlValueStore.cpp
     borland/vtstring.cpp
     borland/vtstringlist.cpp
     common/Tabela.cpp
