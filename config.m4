@@ -10,6 +10,7 @@ if test "$PHP_VT_MREL" != "no"; then
     misc/gravacao.cpp
     misc/ncutils.cpp
     misc/xmlhelper.cpp
+    borland/XmlRegistry.cpp
     borland/XmlValueStore.cpp
     borland/vtstring.cpp
     borland/vtstringlist.cpp
