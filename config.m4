@@ -10,22 +10,34 @@ if test "$PHP_VT_MREL" != "no"; then
     misc/gravacao.cpp
     misc/leitor.cpp
     misc/ncutils.cpp
+    misc/xmlhelper.cpp
+    borland/XmlRegistry.cpp
+    borland/XmlValueStore.cpp
+    borland/vtstring.cpp
+    borland/vtstringlist.cpp
     common/LogFileParser.cpp
     common/LogFileParser_entrada.cpp
     common/LogMailFileParser.cpp
+    common/LogMailFileParser_dia.cpp
     common/LogMailFileParser_estatistica.cpp
     common/LogMailFileParser_eventos.cpp
+    common/LogMailFileParser_hora.cpp
     common/LogMailFileParser_linha.cpp
     common/LogMailFileParser_periodos.cpp
+    common/LogMailFileParser_replay.cpp
     common/LogMailFileParser_retomada.cpp
+    common/LogMailFileParser_trace.cpp
+    common/LogMailFileParser_usuario.cpp
     common/Msg.cpp
     common/Tabela.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
     common/diario.cpp
+    common/logresult.cpp
     common/relogio.cpp
     common/relutl.cpp
     php/vtmrel.cpp
+    php/vtmrel_itr.cpp
     php/vtmrel_obj.cpp
   "
   dnl At most level 2 of the fortified functions: the string library formats with the size of its whole record as the limit.

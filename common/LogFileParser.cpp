@@ -9,6 +9,7 @@
 #include <cstring>
 #include <memory>
 
+#include "borland/XmlRegistry.h"
 #include "misc/ncutils.h"
 
 namespace {
@@ -78,6 +79,14 @@ bool LogFileParser::setLogDir(const char* dir) {
     else
         traco("setLogDir(%s) ERRO\n", visivel(dir));
     return aceito;
+}
+
+VeltoString LogFileParser::getPontaraPath() {
+    constexpr int maior_caminho = 127;
+    XmlRegistry registro;
+    registro.RootKey = "HKEY_LOCAL_MACHINE";
+    if (!registro.OpenKey("\\Velto Norim Security\\cfg5", false)) return VeltoString();
+    return registro.ReadString("Path").SubString(1, maior_caminho);
 }
 
 time_t LogFileParser::getLastConsolid(const char* path) {

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <vector>
 
+#include "borland/vtstring.h"
 #include "common/relatorio.h"
 #include "common/relogio.h"
 #include "misc/leitor.h"
@@ -58,6 +59,9 @@ class LogFileParser {
     bool setLogDir(const char* dir);
     const char* getDataDir() const { return data_dir; }
     const char* getLogDir() const { return logs_dir; }
+    // The product's installation directory, from the registry: its first 127 bytes, "" when key or
+    // value are missing. Creates nothing.
+    VeltoString getPontaraPath();
     // Cannot be taken back.
     void setForceMode() { forceMode = true; }
 

@@ -28,7 +28,7 @@ const char* separa_nome(char* linha, std::string& nome) {
     return fim;
 }
 
-MsgsData* nova_linha(DList<MsgsData>* lista, time_t timestamp) {
+MsgsData* nova_contagem(DList<MsgsData>* lista, time_t timestamp) {
     MsgsData* d = new MsgsData{};
     d->timestamp = timestamp;
     lista->putLast(d);
@@ -55,7 +55,7 @@ struct LogMailFileParser::LeituraEstatistica {
     void totais(time_t dia, DList<MsgsData>* m_day) {
         std::uint32_t v[10];
         if (!le(leitor, linha) || diario::le_numeros(linha, v, 10) != 10) return;
-        MsgsData* d = nova_linha(m_day, dia);
+        MsgsData* d = nova_contagem(m_day, dia);
         d->spam = v[2];
         d->virus = v[3];
         d->error = v[4];
@@ -83,7 +83,7 @@ struct LogMailFileParser::LeituraEstatistica {
             MsgsDayUser* u = pedido();
             if (!u) continue;
             MsgsData* d = u->has_data ? u->m_day.last() : nullptr;
-            if (!d) d = nova_linha(&u->m_day, dia);
+            if (!d) d = nova_contagem(&u->m_day, dia);
             u->has_data = true;
             const usuStats s = le_usuario(numeros);
             d->msgs_ext += s.sent;
@@ -105,7 +105,7 @@ struct LogMailFileParser::LeituraEstatistica {
 
     void por_hora(DList<MsgsData>* m_hour, const char* user) {
         MsgsData* horas[linhas_por_dia];
-        for (MsgsData*& h : horas) h = nova_linha(m_hour, 0);
+        for (MsgsData*& h : horas) h = nova_contagem(m_hour, 0);
         unsigned colchetes = 0;
         bool procura = false;
         while (le(leitor, linha)) {

@@ -37,13 +37,11 @@ struct MsgsData {
 
 // One requested user of the messages-per-day report.
 struct MsgsDayUser {
-    MsgsDayUser *prev, *next;
-    char username[201];       // as the script named him
-    DList<MsgsData> m_day;    // a row a day that has a line of his, oldest first
-    bool has_data;            // the row of the day being read exists
-    MsgsData* current_m_day;  // cursor of the result set
-
-    MsgsDayUser() {}
+    MsgsDayUser *prev = nullptr, *next = nullptr;
+    char username[201] = {};            // as the script named him, at most 199 bytes of it
+    DList<MsgsData> m_day;              // a row a day that has a line of his, oldest first
+    bool has_data = false;              // the row of the day being read exists
+    MsgsData* current_m_day = nullptr;  // cursor of the result set
 };
 
 // One message of the user-messages report.

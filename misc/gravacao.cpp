@@ -49,7 +49,7 @@ Gravacao::~Gravacao() {
 
 bool Gravacao::abre(const char* path) {
     const int alvo = open(path, escrita);
-    if (alvo < 0 && errno != ENOENT) return false;
+    if (alvo < 0 && (errno != ENOENT || *path == '\0')) return false;
     alvo_ = sem_ligacoes(path);
     struct stat st;
     const bool no_lugar =

@@ -1,6 +1,7 @@
 // The module: its record for the engine and its start-up.
 #include "php/vtmrel.h"
 
+#include "php/vtmrel_itr.h"
 #include "php/vtmrel_obj.h"
 
 namespace {
@@ -10,6 +11,7 @@ const zend_function_entry vt_mrel_module_functions[] = {ZEND_FE_END};
 
 zend_result zm_startup_vt_mrel(INIT_FUNC_ARGS) {
     vt_mrel_init_class();
+    vt_mrel_itr_init_class();
     return SUCCESS;
 }
 

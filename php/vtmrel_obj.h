@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "borland/vtstring.h"
 #include "common/LogMailFileParser.h"
 #include "php/objeto.h"
 
@@ -11,6 +12,7 @@
 struct _vt_mrel_object {
     LogMailFileParser* mrel;  // null only when it could not be created
     std::int32_t periods;     // what setPeriods stored
+    VeltoString error;        // not used
     zend_object std;
 
     static zend_object_handlers handlers;

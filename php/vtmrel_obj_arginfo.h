@@ -1,8 +1,10 @@
 /* This is a generated file, edit the .stub.php file instead.
- * Stub hash: e8bb7435448941a7f454cce4d01a8591352e9364 */
+ * Stub hash: 783eca8784c16ce08a9a3275161884a2b9f2a6eb */
 
 ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel___construct, 0, 0, 0)
 ZEND_END_ARG_INFO()
+
+#define arginfo_class_vt_mrel_getPontaraPath arginfo_class_vt_mrel___construct
 
 #define arginfo_class_vt_mrel_setForceMode arginfo_class_vt_mrel___construct
 
@@ -30,8 +32,41 @@ ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel_consolidate, 0, 0, 1)
 	ZEND_ARG_INFO(0, lastConsolidFile)
 ZEND_END_ARG_INFO()
 
+ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel_msgs_per_day, 0, 0, 4)
+	ZEND_ARG_INFO(0, start)
+	ZEND_ARG_INFO(0, end)
+	ZEND_ARG_INFO(0, users)
+	ZEND_ARG_INFO(0, handle)
+ZEND_END_ARG_INFO()
+
+ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel_user_msgs, 0, 0, 8)
+	ZEND_ARG_INFO(0, destinatarios)
+	ZEND_ARG_INFO(0, remetentes)
+	ZEND_ARG_INFO(0, start)
+	ZEND_ARG_INFO(0, end)
+	ZEND_ARG_INFO(0, msg_id)
+	ZEND_ARG_INFO(0, min_kb)
+	ZEND_ARG_INFO(0, max_kb)
+	ZEND_ARG_INFO(0, handle)
+ZEND_END_ARG_INFO()
+
+ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel_msgs_per_hour, 0, 0, 4)
+	ZEND_ARG_INFO(0, start)
+	ZEND_ARG_INFO(0, end)
+	ZEND_ARG_INFO(0, user)
+	ZEND_ARG_INFO(0, handle)
+ZEND_END_ARG_INFO()
+
+ZEND_BEGIN_ARG_INFO_EX(arginfo_class_vt_mrel_msg_trace, 0, 0, 4)
+	ZEND_ARG_INFO(0, msg_id)
+	ZEND_ARG_INFO(0, start)
+	ZEND_ARG_INFO(0, end)
+	ZEND_ARG_INFO(0, handle)
+ZEND_END_ARG_INFO()
+
 
 ZEND_METHOD(vt_mrel, __construct);
+ZEND_METHOD(vt_mrel, getPontaraPath);
 ZEND_METHOD(vt_mrel, setForceMode);
 ZEND_METHOD(vt_mrel, getDataDir);
 ZEND_METHOD(vt_mrel, setDataDir);
@@ -41,10 +76,15 @@ ZEND_METHOD(vt_mrel, getPeriods);
 ZEND_METHOD(vt_mrel, setPeriods);
 ZEND_METHOD(vt_mrel, add_domain);
 ZEND_METHOD(vt_mrel, consolidate);
+ZEND_METHOD(vt_mrel, msgs_per_day);
+ZEND_METHOD(vt_mrel, user_msgs);
+ZEND_METHOD(vt_mrel, msgs_per_hour);
+ZEND_METHOD(vt_mrel, msg_trace);
 
 
 static const zend_function_entry class_vt_mrel_methods[] = {
 	ZEND_ME(vt_mrel, __construct, arginfo_class_vt_mrel___construct, ZEND_ACC_PUBLIC)
+	ZEND_ME(vt_mrel, getPontaraPath, arginfo_class_vt_mrel_getPontaraPath, ZEND_ACC_PUBLIC)
 	ZEND_ME(vt_mrel, setForceMode, arginfo_class_vt_mrel_setForceMode, ZEND_ACC_PUBLIC)
 	ZEND_ME(vt_mrel, getDataDir, arginfo_class_vt_mrel_getDataDir, ZEND_ACC_PUBLIC)
 	ZEND_ME(vt_mrel, setDataDir, arginfo_class_vt_mrel_setDataDir, ZEND_ACC_PUBLIC)
@@ -54,6 +94,10 @@ static const zend_function_entry class_vt_mrel_methods[] = {
 	ZEND_ME(vt_mrel, setPeriods, arginfo_class_vt_mrel_setPeriods, ZEND_ACC_PUBLIC)
 	ZEND_ME(vt_mrel, add_domain, arginfo_class_vt_mrel_add_domain, ZEND_ACC_PUBLIC)
 	ZEND_ME(vt_mrel, consolidate, arginfo_class_vt_mrel_consolidate, ZEND_ACC_PUBLIC)
+	ZEND_ME(vt_mrel, msgs_per_day, arginfo_class_vt_mrel_msgs_per_day, ZEND_ACC_PUBLIC)
+	ZEND_ME(vt_mrel, user_msgs, arginfo_class_vt_mrel_user_msgs, ZEND_ACC_PUBLIC)
+	ZEND_ME(vt_mrel, msgs_per_hour, arginfo_class_vt_mrel_msgs_per_hour, ZEND_ACC_PUBLIC)
+	ZEND_ME(vt_mrel, msg_trace, arginfo_class_vt_mrel_msg_trace, ZEND_ACC_PUBLIC)
 	ZEND_FE_END
 };
 

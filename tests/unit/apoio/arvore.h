@@ -1,39 +1,54 @@
-// A temporary directory tree that goes with its test, and whole files in and out of it.
+// A directory of its own for a test, removed with everything in it.
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
+// Paths given to the members are relative to the directory.
 class ArvoreTemporaria {
   public:
     ArvoreTemporaria() {
-        std::string modelo = (std::filesystem::temp_directory_path() / "vtXXXXXX").string();
-        if (!mkdtemp(modelo.data())) std::abort();
-        raiz_ = modelo;
+        std::string modelo = (std::filesystem::temp_directory_path() / "vt_XXXXXX").string();
+        if (mkdtemp(modelo.data())) raiz_ = modelo;
+        EXPECT_FALSE(raiz_.empty()) << "no temporary directory";
     }
-    ~ArvoreTemporaria() { std::filesystem::remove_all(raiz_); }
     ArvoreTemporaria(const ArvoreTemporaria&) = delete;
     ArvoreTemporaria& operator=(const ArvoreTemporaria&) = delete;
+    ~ArvoreTemporaria() {
+        std::error_code erro;
+        if (!raiz_.empty()) std::filesystem::remove_all(raiz_, erro);
+    }
 
-    // Full path of a file of the tree, or of its root.
+    // The directory itself, or the absolute path of something in it.
     std::string path(const std::string& rel = "") const {
         return rel.empty() ? raiz_ : raiz_ + "/" + rel;
     }
-    // Writes a whole file, making its folders.
-    void write(const std::string& rel, const std::string& texto) const {
-        std::filesystem::create_directories(std::filesystem::path(path(rel)).parent_path());
-        std::ofstream(path(rel), std::ios::binary) << texto;
+
+    // Writes a whole file, with the directories above it; answers its absolute path.
+    std::string write(const std::string& rel, const std::string& texto) const {
+        const std::string p = path(rel);
+        std::filesystem::create_directories(std::filesystem::path(p).parent_path());
+        std::ofstream f(p, std::ios::binary);
+        f << texto;
+        EXPECT_TRUE(f.flush()) << p;
+        return p;
     }
-    // A whole file; "" when it is not there.
+
+    // The whole content of a file; "" when it is not there.
     std::string read(const std::string& rel) const {
         std::ifstream f(path(rel), std::ios::binary);
-        return {std::istreambuf_iterator<char>(f), {}};
+        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
     }
-    bool exists(const std::string& rel) const { return std::filesystem::exists(path(rel)); }
+
+    // Also true for a symbolic link that leads nowhere.
+    bool exists(const std::string& rel) const {
+        return std::filesystem::exists(std::filesystem::symlink_status(path(rel)));
+    }
 
   private:
     std::string raiz_;
