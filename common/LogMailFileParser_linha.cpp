@@ -125,7 +125,8 @@ int LogMailFileParser::parser() {
     const std::size_t n = strnlen(osBuf.lbuf, sizeof copia - 1);
     std::memcpy(copia, osBuf.lbuf, n);
     copia[n] = '\0';
-    if (n > inicio_das_palavras) getTokens(copia + inicio_das_palavras, tok, palavras_lidas + 1);
+    if (n > inicio_das_palavras)
+        getTokens(copia + inicio_das_palavras, copia + n, tok, palavras_lidas + 1);
 
     tabela[getAgent(tok[0])][getStatus(tok[1])](*this, T, tok);
     hora_pronta_ = false;
