@@ -60,12 +60,6 @@ void LogMailFileParser::esvazia() {
     fecha(statistic_logfile);
     memoria_.reset();
     hora_pronta_ = false;
-    while (Msg* m = Lista_msg.first()) {
-        Lista_msg.remove(m);
-        delete m;
-    }
-    while (Usuario* u = Lista_usu.first()) {
-        Lista_usu.remove(u);
-        delete u;
-    }
+    Lista_msg.apaga_se([](const Msg*) { return true; });
+    Lista_usu.apaga_se([](const Usuario*) { return true; });
 }
