@@ -10,6 +10,7 @@ if test "$PHP_VT_MREL" != "no"; then
     misc/gravacao.cpp
     misc/leitor.cpp
     misc/ncutils.cpp
+    common/Evento.cpp
     common/LogFileParser.cpp
     common/LogFileParser_entrada.cpp
     common/LogMailFileParser.cpp

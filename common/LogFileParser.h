@@ -51,6 +51,9 @@ class LogFileParser {
     virtual bool createLastConsolidFile(const char* path) = 0;
     // Reads what is carried over, from behind the first line.
     virtual bool readExtraInfo(std::FILE* f) = 0;
+    // Is shown the next lines of the open log, before parser() is called for each of those that
+    // belong to the day: a chance to prepare for them. The texts hold until the next such call.
+    virtual void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n);
 
     // Take a directory; it is copied. False for null or more than 128 bytes. setDataDir also makes
     // the directory (one level, 0755) when it cannot be opened, and answers false when that fails.
@@ -93,6 +96,12 @@ class LogFileParser {
 
     void traco(const char* formato, ...) const __attribute__((format(printf, 2, 3)));
 
+    static constexpr std::size_t maior_lote = 32;  // lines shown at a time
+
+    // Which of the lines last shown to antecipa() is the one in osBuf.lbuf; -1 when it is none of
+    // them, because parser() was called with a line brought from elsewhere.
+    int posicao_no_lote() const;
+
     // Set by whoever meets a failure after which the point must not move; ends the run.
     bool parada_ = false;
 
@@ -112,5 +121,9 @@ class LogFileParser {
 
     Relogio relogio_;
     LeitorLinhas leitor_;
-    std::FILE* mudo_ = nullptr;  // swallows what is written after debugOut was closed
+    LeitorLinhas::Trecho lote_[maior_lote];  // the lines last read
+    std::size_t no_lote_ = 0;                // how many there are
+    std::size_t tomadas_ = 0;                // how many of them went through osBuf.lbuf
+    bool entregue_ = false;                  // the last one taken is being handed to parser()
+    std::FILE* mudo_ = nullptr;              // swallows what is written after debugOut was closed
 };

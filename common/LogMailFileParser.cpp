@@ -59,7 +59,7 @@ void LogMailFileParser::esvazia() {
     fecha(compact_logfile);
     fecha(statistic_logfile);
     memoria_.reset();
-    hora_pronta_ = false;
+    lote_.reset();
     Lista_msg.apaga_se([](const Msg*) { return true; });
     Lista_usu.apaga_se([](const Usuario*) { return true; });
 }

@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <memory>
 
+#include "common/Evento.h"
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
 #include "common/Tabela.h"
@@ -59,6 +60,8 @@ class LogMailFileParser : public LogFileParser {
     // Reads the messages in flight. Each becomes one that is finished at the next dump, without its
     // sender; a file that records none yields one with an empty id. False only for a null stream.
     bool readExtraInfo(std::FILE* fp) override;
+    // Takes the lines apart and fetches the records that they name.
+    void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) override;
 
     // Handlers of the events, called with the line still in osBuf.lbuf, whose stamp gives the
     // event's time; `T` is that time in hexadecimal, for the compact line. Each writes its compact
@@ -107,7 +110,9 @@ class LogMailFileParser : public LogFileParser {
     struct Despacho;
 
     // The line (_linha.cpp).
+    void despacha(const Evento& e);
     time_t hora_da_linha();
+    Chave chave_de(const char* texto) const;
     const char* resto_da_linha(std::size_t coluna) const;
 
     // Steps that the handlers share (_eventos.cpp).
@@ -130,8 +135,9 @@ class LogMailFileParser : public LogFileParser {
 
     static constexpr std::size_t tamanho_do_buffer = std::size_t{256} * 1024;
 
-    bool hora_pronta_ = false;  // hora_ is the time of the line in osBuf.lbuf
-    time_t hora_ = 0;
+    const Evento* evento_ = nullptr;   // the line in osBuf.lbuf, while parser() handles it
+    time_t hora_ = 0;                  // its time
+    std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
     bool sem_compacto_ = false;        // the day's compact file could not be created
     std::unique_ptr<char[]> memoria_;  // buffer of the day file being written
 };

@@ -15,10 +15,11 @@ std::uint32_t hash_chave(const char* chave, std::size_t tamanho);
 
 // A key to look for, its hash computed once for all the lookups.
 struct Chave {
-    const char* texto;
-    std::size_t tamanho;
-    std::uint32_t hash;
+    const char* texto = nullptr;
+    std::size_t tamanho = 0;
+    std::uint32_t hash = 0;
 
+    Chave() = default;
     Chave(const char* t, std::size_t n) : texto(t), tamanho(n), hash(hash_chave(t, n)) {}
     explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
 };
@@ -98,6 +99,18 @@ class Tabela : public DList<T> {
         return nullptr;
     }
     T* procurar(const char* procurada) const { return procurar(Chave(procurada)); }
+
+    // Hints, for lookups that come soon: fetches the place where the search for a hash begins; the
+    // first element of that hash, or null, without touching it.
+    void antecipa(std::uint32_t hash) const {
+        if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
+    }
+    T* provavel(std::uint32_t hash) const {
+        if (!vagas_) return nullptr;
+        std::size_t i = hash & mascara_;
+        while (vagas_[i].e && vagas_[i].hash != hash) i = seguinte(i);
+        return vagas_[i].e;
+    }
 
     std::size_t total() const { return total_; }
 
