@@ -15,6 +15,7 @@ if test "$PHP_VT_MREL" != "no"; then
     borland/XmlValueStore.cpp
     borland/vtstring.cpp
     borland/vtstringlist.cpp
+    common/Evento.cpp
     common/LogFileParser.cpp
     common/LogFileParser_entrada.cpp
     common/LogMailFileParser.cpp

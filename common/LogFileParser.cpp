@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "borland/XmlRegistry.h"
 #include "misc/ncutils.h"
@@ -20,6 +21,12 @@ const char* visivel(const char* texto) {
 
 ssize_t engole(void*, const char*, std::size_t n) {
     return static_cast<ssize_t>(n);
+}
+
+// There is such a directory, but nothing in it can be reached.
+bool diretorio_fechado(const char* dir) {
+    struct stat st;
+    return stat((std::string(dir) + "/.").c_str(), &st) != 0 && errno != ENOENT && errno != ENOTDIR;
 }
 
 template <std::size_t N>
@@ -65,7 +72,9 @@ bool LogFileParser::setDataDir(const char* dir) {
     }
     if (DIR* d = opendir(dir))
         closedir(d);
-    else if (mkdir(dir, 0755) != 0)
+    else if (mkdir(dir, 0755) == 0)
+        sincroniza_diretorio_de(dir);
+    else
         return false;
     copia_se_couber(data_dir, dir);
     traco("setDataDir(%s) OK\n", dir);
@@ -151,6 +160,7 @@ bool LogFileParser::escolhe_entrada() {
     std::snprintf(vivo, sizeof vivo, "%s/%s", logs_dir, def_fname);
     if (lastConsolid != 0) {
         const time_t inicio = getLogInitTime(vivo);
+        if (inicio == 0 && diretorio_fechado(logs_dir)) parada_ = true;
         if (parada_) return false;
         if (lastConsolid >= inicio) {
             esvazia_entradas();

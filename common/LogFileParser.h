@@ -52,6 +52,9 @@ class LogFileParser {
     virtual bool createLastConsolidFile(const char* path) = 0;
     // Reads what is carried over, from behind the first line.
     virtual bool readExtraInfo(std::FILE* f) = 0;
+    // Is shown the next lines of the open log, before parser() is called for each of those that
+    // belong to the day: a chance to prepare for them. The texts hold until the next such call.
+    virtual void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n);
 
     // Take a directory; it is copied. False for null or more than 128 bytes. setDataDir also makes
     // the directory (one level, 0755) when it cannot be opened, and answers false when that fails.
@@ -67,8 +70,9 @@ class LogFileParser {
 
     // Consolidates every day from the point recorded in the file up to today's midnight (in force
     // mode: up to now) and records the point reached, except after a forced run that was not a
-    // first one. False when the run stopped because a file or directory could not be read or
-    // written as it should: then nothing is recorded and the next run does the same days again.
+    // first one. A day whose files cannot be created ends the run and is its point. False when the
+    // run stopped because something could not be read or written as it should: then nothing is
+    // recorded and the next run does the same days again.
     bool consolidate(const char* lastConsolidFile);
 
     // Unix seconds of the stamp at the start of a log line, 0 when it is none (see Relogio).
@@ -99,6 +103,12 @@ class LogFileParser {
 
     Relogio relogio_;
 
+    static constexpr std::size_t maior_lote = 32;  // lines shown at a time
+
+    // Which of the lines last shown to antecipa() is the one in osBuf.lbuf; -1 when it is none of
+    // them, because parser() was called with a line brought from elsewhere.
+    int posicao_no_lote() const;
+
     // Set by whoever meets a failure after which the point must not move; ends the run.
     bool parada_ = false;
 
@@ -117,5 +127,9 @@ class LogFileParser {
     static constexpr std::size_t maior_linha_ = 2046;  // longer lines go on as the next line
 
     LeitorLinhas leitor_;
-    std::FILE* mudo_ = nullptr;  // swallows what is written after debugOut was closed
+    LeitorLinhas::Trecho lote_[maior_lote];  // the lines last read
+    std::size_t no_lote_ = 0;                // how many there are
+    std::size_t tomadas_ = 0;                // how many of them went through osBuf.lbuf
+    bool entregue_ = false;                  // the last one taken is being handed to parser()
+    std::FILE* mudo_ = nullptr;              // swallows what is written after debugOut was closed
 };

@@ -88,16 +88,36 @@ void LogFileParser::esvazia_entradas() {
 void LogFileParser::fecha_entrada() {
     if (osBuf.fin) std::fclose(osBuf.fin);
     osBuf.fin = nullptr;
+    no_lote_ = tomadas_ = 0;
+    entregue_ = false;
+}
+
+void LogFileParser::antecipa(const LeitorLinhas::Trecho*, std::size_t) {}
+
+int LogFileParser::posicao_no_lote() const {
+    if (!entregue_) return -1;
+    const LeitorLinhas::Trecho& t = lote_[tomadas_ - 1];
+    const bool intacta =
+        osBuf.lbuf[t.tamanho] == '\0' && std::memcmp(osBuf.lbuf, t.inicio, t.tamanho) == 0;
+    return intacta ? static_cast<int>(tomadas_ - 1) : -1;
 }
 
 // Brings the next line into osBuf.lbuf. False at the end of the file.
 bool LogFileParser::le_linha() {
-    const char* linha;
-    const std::size_t n = leitor_.proxima(&linha, maior_linha_);
-    if (leitor_.erro()) parada_ = true;
-    std::memcpy(osBuf.lbuf, linha, n);
-    osBuf.lbuf[n] = '\0';
-    return n != 0;
+    if (tomadas_ == no_lote_) {
+        no_lote_ = leitor_.varias(lote_, maior_lote, maior_linha_);
+        tomadas_ = 0;
+        if (leitor_.erro()) parada_ = true;
+        if (no_lote_ == 0) {
+            osBuf.lbuf[0] = '\0';
+            return false;
+        }
+        antecipa(lote_, no_lote_);
+    }
+    const LeitorLinhas::Trecho& linha = lote_[tomadas_++];
+    std::memcpy(osBuf.lbuf, linha.inicio, linha.tamanho);
+    osBuf.lbuf[linha.tamanho] = '\0';
+    return true;
 }
 
 // Opens the next input and reads its first line. False when it gives none; then it is closed again.
@@ -151,11 +171,13 @@ bool LogFileParser::readInputFiles() {
         hasPositioned = true;
         activity_today = false;
         do {
-            if (std::strncmp(osBuf.lbuf, dia, tamanho_da_chave) != 0) {
+            if (std::memcmp(osBuf.lbuf, dia, tamanho_da_chave) != 0) {
                 if (!activity_today) traco("N\xE3o houve atividade em %s\n", dia);
                 return true;
             }
+            entregue_ = true;
             parser();
+            entregue_ = false;
             activity_today = true;
         } while (le_linha());
         fecha_entrada();

@@ -58,8 +58,8 @@ void LogMailFileParser::esvazia() {
     fecha(compact_logfile);
     fecha(statistic_logfile);
     memoria_.reset();
-    hora_pronta_ = false;
-    apaga_todos(Lista_msg);
-    apaga_todos(Lista_usu);
-    apaga_todos(trabalho_);
+    lote_.reset();
+    Lista_msg.apaga_se([](const Msg*) { return true; });
+    Lista_usu.apaga_se([](const Usuario*) { return true; });
+    trabalho_.apaga_se([](const Msg*) { return true; });
 }

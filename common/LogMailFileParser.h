@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "common/Evento.h"
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
 #include "common/Tabela.h"
@@ -17,9 +18,8 @@
 #include "common/relatorio.h"
 
 // One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
-// of a day and its files (_periodos), the statistics file (_estatistica), the last-consolidation
-// file
-// (_retomada). Refusals are traced to debugOut and end in CR LF.
+// of a day and its files (_periodos), the statistics file (_estatistica), what is carried over
+// (_retomada); then the reports. Refusals are traced to debugOut and end in CR LF.
 class LogMailFileParser : public LogFileParser {
   public:
     std::FILE* compact_logfile;    // the day's compact file; null when it could not be created
@@ -60,6 +60,8 @@ class LogMailFileParser : public LogFileParser {
     // Reads the messages in flight. Each becomes one that is finished at the next dump, without its
     // sender; a file that records none yields one with an empty id. False only for a null stream.
     bool readExtraInfo(std::FILE* fp) override;
+    // Takes the lines apart and fetches the records that they name.
+    void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) override;
 
     // Handlers of the events, called with the line still in osBuf.lbuf, whose stamp gives the
     // event's time; `T` is that time in hexadecimal, for the compact line. Each writes its compact
@@ -170,12 +172,14 @@ class LogMailFileParser : public LogFileParser {
   private:
     struct RegraErro;
     struct Despacho;
-    struct Evento;
+    struct Lido;
     struct Replay;
     struct LeituraEstatistica;
 
     // The line (_linha.cpp).
+    void despacha(const Evento& e);
     time_t hora_da_linha();
+    Chave chave_de(const char* texto) const;
     const char* resto_da_linha(std::size_t coluna) const;
 
     // Steps that the handlers share (_eventos.cpp).
@@ -191,6 +195,7 @@ class LogMailFileParser : public LogFileParser {
     // The day's end (_periodos.cpp, _estatistica.cpp).
     time_t passo() const { return 86400 / sfile_num_periods; }
     bool fecha(std::FILE*& arquivo);
+    bool sincroniza_mes();
     diario::Totais retira_mensagens();
     void escreve_estatistica(const diario::Totais& totais);
     void prepara_proximo_dia();
@@ -216,8 +221,9 @@ class LogMailFileParser : public LogFileParser {
     struct IndiceDeLinhas;
     IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
-    bool hora_pronta_ = false;  // hora_ is the time of the line in osBuf.lbuf
-    time_t hora_ = 0;
+    const Evento* evento_ = nullptr;   // the line in osBuf.lbuf, while parser() handles it
+    time_t hora_ = 0;                  // its time
+    std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
     bool sem_compacto_ = false;        // the day's compact file could not be created
     std::unique_ptr<char[]> memoria_;  // buffer of the day file being written
 };

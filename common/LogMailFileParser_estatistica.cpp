@@ -39,6 +39,7 @@ bool algum(const usuStats& s) {
 bool LogMailFileParser::dumpFiles() {
     bool gravado = fecha(compact_logfile);
     if (!createFile(&statistic_logfile, diario::estatistica)) return false;
+    gravado &= sincroniza_mes();
     if (memoria_) std::setvbuf(statistic_logfile, memoria_.get(), _IOFBF, tamanho_do_buffer);
     escreve_estatistica(retira_mensagens());
     prepara_proximo_dia();
@@ -49,7 +50,7 @@ bool LogMailFileParser::dumpFiles() {
 // Adds up the day's totals and deletes the messages that are done with.
 diario::Totais LogMailFileParser::retira_mensagens() {
     diario::Totais t{};
-    for (Msg* m = Lista_msg.first(); m;) {
+    Lista_msg.apaga_se([&t](Msg* m) {
         if (m->tries != 0) t.att_blocked += m->att_blocked;  // and once more when it is finished
         const bool terminada = m->end_time != 0 || m->fatal_error;
         if (terminada) {
@@ -58,14 +59,8 @@ diario::Totais LogMailFileParser::retira_mensagens() {
             conta_pendente(t, *m);
             m->old_error = true;
         }
-        Msg* atual = m;
-        if (terminada || (m->error && m->tries == 0)) {
-            m = Lista_msg.removeAndGetNext(m);
-            delete atual;
-        } else {
-            m = m->next;
-        }
-    }
+        return terminada || (m->error && m->tries == 0);
+    });
     return t;
 }
 
@@ -89,16 +84,11 @@ void LogMailFileParser::prepara_proximo_dia() {
         m->error = false;
         if (m->sender && m->sender->msgs_reference == 0) m->sender = nullptr;
     }
-    for (Usuario* u = Lista_usu.first(); u;) {
-        if (u->msgs_reference != 0) {
-            traco("Usu\xE1rio %s na lista.[ref = %d]\n", chave(*u),
-                  static_cast<int>(u->msgs_reference));
-            u->reset_vars();
-            u = u->next;
-        } else {
-            Usuario* atual = u;
-            u = Lista_usu.removeAndGetNext(u);
-            delete atual;
-        }
-    }
+    Lista_usu.apaga_se([this](Usuario* u) {
+        if (u->msgs_reference == 0) return true;
+        traco("Usu\xE1rio %s na lista.[ref = %d]\n", chave(*u),
+              static_cast<int>(u->msgs_reference));
+        u->reset_vars();
+        return false;
+    });
 }

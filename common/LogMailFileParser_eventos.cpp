@@ -35,19 +35,22 @@ bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status
 }
 
 Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
-    Msg* m = procurar_msg(&Lista_msg, id);
+    const Chave c = chave_de(id);
+    Msg* m = Lista_msg.procurar(c);
     if (!m) {
         m = new Msg(id, inicio);
-        Lista_msg.putFirst(m);
+        // A long id is kept cut, so its key is another one.
+        c.tamanho < sizeof m->id ? Lista_msg.putFirst(m, c.hash) : Lista_msg.putFirst(m);
     }
     return m;
 }
 
 Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos) {
-    Usuario* u = procurar_usuario(&Lista_usu, nome, false);
+    const Chave c = chave_de(nome);
+    Usuario* u = Lista_usu.procurar(c);
     if (!u) {
         u = new Usuario(nome, periodos);
-        Lista_usu.putFirst(u);
+        Lista_usu.putFirst(u, c.hash);
     }
     return u;
 }
@@ -124,7 +127,7 @@ int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
 int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
     if (!registra("LogMailFileParser::handle_MAILSMTP:OK", MAILSMTP, OK, {T, id, destinatario}))
         return 0;
-    Msg* m = procurar_msg(&Lista_msg, id);
+    Msg* m = Lista_msg.procurar(chave_de(id));
     if (m) {
         if (const char* arroba = std::strchr(destinatario, '@')) remover_error(m, arroba + 1);
         remover_error(m, nullptr);
@@ -139,7 +142,7 @@ int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const c
 
 int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
     if (!registra("LogMailFileParser::handle_MAILSMTP:END", MAILSMTP, END, {T, id})) return 0;
-    Msg* m = procurar_msg(&Lista_msg, id);
+    Msg* m = Lista_msg.procurar(chave_de(id));
     if (m)
         m->error = m->error_list.first() != nullptr;
     else
@@ -159,7 +162,7 @@ int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
 
 int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
     if (!registra("LogMailFileParser::handle_ANTIVIRUS_VIRUS", MAILSMTP, VIRUS, {T, id})) return 0;
-    Msg* m = procurar_msg(&Lista_msg, id);
+    Msg* m = Lista_msg.procurar(chave_de(id));
     if (!m) return 1;  // like an error, a virus does not make a message known
     m->virus = true;
     encerra(m, &Usuario::incVirus);
@@ -171,7 +174,7 @@ int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
 int LogMailFileParser::evento_erro(const RegraErro& regra,
                                    std::initializer_list<const char*> campos) {
     if (!registra(regra.metodo, MAILSMTP, regra.status, campos, regra.fim)) return 0;
-    Msg* m = procurar_msg(&Lista_msg, campos.begin()[1]);
+    Msg* m = Lista_msg.procurar(chave_de(campos.begin()[1]));
     if (!m) return 1;
     const time_t t = hora_da_linha();
     if (regra.conta && m->sender && t != 0) m->sender->incErro(getPeriodByTime(t), 1);

@@ -8,10 +8,7 @@
 namespace {
 
 using P = LogMailFileParser;
-using Acao = void (*)(P&, const char* T, char** tok);
-
-constexpr std::size_t inicio_das_palavras = 26;
-constexpr int palavras_lidas = 10;
+using Acao = void (*)(P&, const char* T, const Evento& e);
 
 struct Regra {
     Agent agente;
@@ -23,11 +20,19 @@ using Tabela_de_acoes = std::array<std::array<Acao, num_status>, num_agents>;
 
 // A handler called with the words at these positions; absent words are null.
 template <auto handler, int... palavras>
-void com(P& p, const char* T, char** tok) {
-    (p.*handler)(T, tok[palavras]...);
+void com(P& p, const char* T, const Evento& e) {
+    (p.*handler)(T, e.palavra(palavras)...);
 }
 
-void nada(P&, const char*, char**) {}
+void nada(P&, const char*, const Evento&) {}
+
+// Fetches a record that an event will touch.
+template <class T>
+void busca(const T* e) {
+    if (!e) return;
+    const char* p = reinterpret_cast<const char*>(e);
+    for (std::size_t i = 0; i < sizeof(T); i += 64) __builtin_prefetch(p + i);
+}
 
 }  // namespace
 
@@ -35,7 +40,7 @@ void nada(P&, const char*, char**) {}
 struct LogMailFileParser::Despacho {
     // The event is not understood: the raw line from a column on is all that is kept of it.
     template <Agent agente, std::size_t coluna>
-    static void copia(P& p, const char* T, char**) {
+    static void copia(P& p, const char* T, const Evento&) {
         Linha(p.compact_logfile)
             .texto(T)
             .letra(' ')
@@ -45,28 +50,28 @@ struct LogMailFileParser::Despacho {
             .termina();
     }
 
-    static void desconhecido(P& p, const char* T, char** tok) {
-        copia<AGENT_UNKNOWN, 35>(p, T, tok);
+    static void desconhecido(P& p, const char* T, const Evento& e) {
+        copia<AGENT_UNKNOWN, 35>(p, T, e);
         p.traco("LogMailFileParser::parser : Falha no PARSER, linha = \"%s\"", p.osBuf.lbuf);
     }
 
-    static void submit(P& p, const char* T, char** tok) {
-        const bool sem_remetente = tok[7] && std::strcmp(tok[7], "com") == 0;
-        p.handle_MAILQ_SUBMIT(T, tok[3], tok[5], sem_remetente ? "" : tok[7],
-                              sem_remetente ? tok[8] : tok[9]);
+    static void submit(P& p, const char* T, const Evento& e) {
+        const bool sem_remetente = e.palavra(7) && std::strcmp(e.palavra(7), "com") == 0;
+        p.handle_MAILQ_SUBMIT(T, e.palavra(3), e.palavra(5), sem_remetente ? "" : e.palavra(7),
+                              sem_remetente ? e.palavra(8) : e.palavra(9));
     }
 
-    static void dominio(P& p, const char* T, char** tok) {
-        if (tok[4] && std::strcmp(tok[4], "Dominio") == 0)
-            p.handle_MAILSMTP_ERROR_DOMAIN(T, tok[3], tok[5]);
+    static void dominio(P& p, const char* T, const Evento& e) {
+        if (e.palavra(4) && std::strcmp(e.palavra(4), "Dominio") == 0)
+            p.handle_MAILSMTP_ERROR_DOMAIN(T, e.palavra(3), e.palavra(5));
     }
 
-    static void final(P& p, const char* T, char** tok) {
-        p.handle_MAILSMTP_ERROR_FINAL(T, tok[3], p.resto_da_linha(71));
+    static void final(P& p, const char* T, const Evento& e) {
+        p.handle_MAILSMTP_ERROR_FINAL(T, e.palavra(3), p.resto_da_linha(71));
     }
 
-    static void leitura(P& p, const char* T, char** tok) {
-        p.registra("", POPSRV, READ, {T, tok[3] ? tok[3] : "(null)"});
+    static void leitura(P& p, const char* T, const Evento& e) {
+        p.registra("", POPSRV, READ, {T, e.palavra(3) ? e.palavra(3) : "(null)"});
     }
 
     static constexpr Tabela_de_acoes tabela() {
@@ -111,30 +116,57 @@ struct LogMailFileParser::Despacho {
     }
 };
 
-int LogMailFileParser::parser() {
-    static constexpr Tabela_de_acoes tabela = Despacho::tabela();
+void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
+    if (!lote_) lote_ = std::make_unique_for_overwrite<Evento[]>(maior_lote);
+    for (std::size_t i = 0; i < n; ++i) {
+        Evento& e = lote_[i];
+        e.separa(linhas[i].inicio, linhas[i].tamanho);
+        if (e.id().texto) Lista_msg.antecipa(e.id().hash);
+        if (e.usuario().texto) Lista_usu.antecipa(e.usuario().hash);
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        const Evento& e = lote_[i];
+        if (e.id().texto) busca(Lista_msg.provavel(e.id().hash));
+        if (e.usuario().texto) busca(Lista_usu.provavel(e.usuario().hash));
+    }
+}
 
+int LogMailFileParser::parser() {
+    const int i = posicao_no_lote();
+    if (i >= 0 && lote_) {
+        despacha(lote_[i]);
+    } else {
+        Evento e;
+        e.separa(osBuf.lbuf, sizeof osBuf.lbuf);
+        despacha(e);
+    }
+    return 1;
+}
+
+void LogMailFileParser::despacha(const Evento& e) {
+    static constexpr Tabela_de_acoes tabela = Despacho::tabela();
+    struct Fim {
+        const Evento*& e;
+        ~Fim() { e = nullptr; }
+    } fim{evento_};
+
+    evento_ = &e;
     hora_ = convTimeFromLog(osBuf.lbuf);
-    hora_pronta_ = true;
     char T[40];
     *std::to_chars(T, T + sizeof T - 1, static_cast<std::uint32_t>(hora_), 16).ptr = '\0';
-
-    // One word more than is read: getTokens cuts the last one.
-    char* tok[palavras_lidas + 1] = {};
-    char copia[300];
-    const std::size_t n = strnlen(osBuf.lbuf, sizeof copia - 1);
-    std::memcpy(copia, osBuf.lbuf, n);
-    copia[n] = '\0';
-    if (n > inicio_das_palavras) getTokens(copia + inicio_das_palavras, tok, palavras_lidas + 1);
-
-    tabela[getAgent(tok[0])][getStatus(tok[1])](*this, T, tok);
-    hora_pronta_ = false;
-    return 1;
+    tabela[e.agente()][e.status()](*this, T, e);
 }
 
 // The time of the event being handled; 0 when the line has none.
 time_t LogMailFileParser::hora_da_linha() {
-    return hora_pronta_ ? hora_ : convTimeFromLog(osBuf.lbuf);
+    return evento_ ? hora_ : convTimeFromLog(osBuf.lbuf);
+}
+
+// A text given to a handler, as a key. When it is a word of the line, its hash is known.
+Chave LogMailFileParser::chave_de(const char* texto) const {
+    if (evento_ && evento_->id().texto == texto) return evento_->id();
+    if (evento_ && evento_->usuario().texto == texto) return evento_->usuario();
+    return Chave(texto);
 }
 
 // The raw line from a column on, with its own line end; a line feed when nothing stands there.

@@ -57,6 +57,17 @@ bool LogMailFileParser::createFile(std::FILE** fp, const char* prefix) {
     return false;
 }
 
+// Makes the names of the day's files last. A failure counts as one of writing.
+bool LogMailFileParser::sincroniza_mes() {
+    struct tm tm = {};
+    localtime_r(&lastConsolid, &tm);
+    char path[diario::maior_caminho];
+    diario::nome_do_dia(path, data_dir, tm.tm_mon + 1, tm.tm_year % 100, "", tm.tm_mday);
+    if (sincroniza_diretorio_de(path)) return true;
+    parada_ = true;
+    return false;
+}
+
 bool LogMailFileParser::createFiles() {
     fecha(compact_logfile);
     calculatePeriodLimits();

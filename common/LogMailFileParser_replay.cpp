@@ -15,7 +15,7 @@ constexpr int horas_do_dia = 24;
 }  // namespace
 
 // One compact line, split: field 0 the time, 1 the agent, 2 the status, 3 the message id.
-struct LogMailFileParser::Evento {
+struct LogMailFileParser::Lido {
     long t;
     char** campos;
     int n;
@@ -25,60 +25,60 @@ struct LogMailFileParser::Evento {
 
 struct LogMailFileParser::Replay {
     using P = LogMailFileParser;
-    using Acao = void (*)(P&, const Evento&);
+    using Acao = void (*)(P&, const Lido&);
     using Coluna = std::array<Acao, num_status_replay>;
 
-    static void nada(P&, const Evento&) {}
+    static void nada(P&, const Lido&) {}
 
     // The trace.
     template <auto handler>
-    static void trace(P& p, const Evento& e) {
+    static void trace(P& p, const Lido& e) {
         (p.*handler)(e.par->msg_id, e.t, e.par->m, e.campos, e.n);
     }
     template <auto handler>
-    static void trace_destinatario(P& p, const Evento& e) {
+    static void trace_destinatario(P& p, const Lido& e) {
         if (e.n > 4) (p.*handler)(e.par->msg_id, e.campos[4], e.t, e.par->m, e.campos, e.n);
     }
-    static void trace_end(P& p, const Evento& e) {
+    static void trace_end(P& p, const Lido& e) {
         if (e.n > 3) trace<&P::msg_trace_handle_END>(p, e);
     }
     template <ErrorType tipo>
-    static void trace_erro(P& p, const Evento& e) {
+    static void trace_erro(P& p, const Lido& e) {
         p.msg_trace_handle_ERROR(e.par->msg_id, e.t, e.par->m, e.campos, e.n, tipo);
     }
 
     // One user's messages.
-    static void user_submit(P& p, const Evento& e) {
+    static void user_submit(P& p, const Lido& e) {
         const params& q = *e.par;
         p.user_msgs_handle_SUBMIT(q.remetentes, q.destinatarios, q.min_kb, q.max_kb, q.msg_id, e.t,
                                   q.msgs, e.campos, e.n);
     }
-    static void user_ok(P& p, const Evento& e) {
+    static void user_ok(P& p, const Lido& e) {
         const params& q = *e.par;
         p.user_msgs_handle_OK(q.destinatarios, q.min_kb, q.max_kb, q.msg_id, e.t, q.msgs, e.campos,
                               e.n);
     }
     template <auto handler>
-    static void user(P& p, const Evento& e) {
+    static void user(P& p, const Lido& e) {
         (p.*handler)(e.t, e.par->msgs, e.campos, e.n);
     }
     template <ErrorType tipo>
-    static void user_erro(P& p, const Evento& e) {
+    static void user_erro(P& p, const Lido& e) {
         p.user_msgs_handle_ERROR(e.t, e.par->msgs, e.campos, e.n, tipo);
     }
 
     // The hours of the day.
     template <auto handler>
-    static void hora(P& p, const Evento& e) {
+    static void hora(P& p, const Lido& e) {
         (p.*handler)(e.t, e.hora, e.campos, e.n);
     }
-    static void hora_deliver(P& p, const Evento& e) {
+    static void hora_deliver(P& p, const Lido& e) {
         if (e.n > 3) p.msgs_per_hour_handle_DELIVER(e.t, e.hora, e.campos[3]);
     }
-    static void hora_ok(P& p, const Evento& e) {
+    static void hora_ok(P& p, const Lido& e) {
         p.msgs_per_hour_handle_OK(e.t, e.par->user, e.hora, e.campos, e.n);
     }
-    static void hora_end(P& p, const Evento& e) {
+    static void hora_end(P& p, const Lido& e) {
         p.msgs_per_hour_handle_END(e.hora, e.par->user, e.campos, e.n);
     }
 
@@ -176,7 +176,7 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
                 hora = std::max(relogio_.hora_do_dia(t), 0);
             }
             const int n = reparte(linha, ' ', campos);
-            Evento e{n > 0 ? strhex_to_time(campos[0]) : 0, campos, n, par, nullptr};
+            Lido e{n > 0 ? strhex_to_time(campos[0]) : 0, campos, n, par, nullptr};
             if (e.t > end) {
                 iniciado = false;
                 break;

@@ -17,7 +17,7 @@ bool LogMailFileParser::createLastConsolidFile(const char* last_consolid_file) {
         char hora[32];
         std::fprintf(g.stream(), "1 %s", ctime_r(&lastConsolid, hora));
         for (const Msg* m = Lista_msg.first(); m; m = m->next) {
-            // "(null)", never nothing: the reader takes the next record's id for a missing name.
+            // A sender not known is "(null)"; one that the log left out is empty, as in the log.
             const char* remetente = m->sendername ? m->sendername : "(null)";
             std::fprintf(g.stream(), "\r\n%s %d %c %c %c %c %d %d %s", m->id,
                          static_cast<int>(m->size), letra(m->virus), letra(m->spam),

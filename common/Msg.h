@@ -69,10 +69,6 @@ class Msg {
     TextoErro str_error;
     DList<ErrorInfo> error_list;  // newest first
 
-    // Own members of the message table (Tabela.h).
-    Msg* chave_prox = nullptr;
-    std::uint32_t chave_hash = 0;
-
     // `id_` may be null; `inicio` 0 leaves the start unknown.
     Msg(const char* id_, time_t inicio);
     ~Msg();

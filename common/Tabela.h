@@ -5,20 +5,34 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "common/DList.h"
 
 // Hash of a key's bytes. Seeded once a process: the keys come from whoever sends mail, who must not
-// be able to choose texts that all fall into one chain.
+// be able to choose texts that all fall into one place.
 std::uint32_t hash_chave(const char* chave, std::size_t tamanho);
 
-// `T` brings, besides its links, the members `chave_prox` (T*) and `chave_hash` (32 bits), which
-// belong to the table, and a free function `chave(const T&)` that answers its key as C text. The
+// A key to look for, its hash computed once for all the lookups.
+struct Chave {
+    const char* texto = nullptr;
+    std::size_t tamanho = 0;
+    std::uint32_t hash = 0;
+
+    Chave() = default;
+    Chave(const char* t, std::size_t n) : texto(t), tamanho(n), hash(hash_chave(t, n)) {}
+    explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
+};
+
+// `T` brings its links and a free function `chave(const T&)` that answers its key as C text. The
 // key may not change while the element is in a table.
 //
 // Keys may repeat; the element nearest the head answers first, as in a walk from first(). Removing
 // it lets the next one answer again. All changes go through the operations below; the table owns
 // its index and, like the list, none of the elements.
+//
+// The index holds the hash beside the pointer, so that a mismatch touches no element: what costs in
+// a large table is not the comparing but the memory that it has to fetch.
 template <class T>
 class Tabela : public DList<T> {
   public:
@@ -26,32 +40,31 @@ class Tabela : public DList<T> {
     Tabela(const Tabela&) = delete;
     Tabela& operator=(const Tabela&) = delete;
 
-    void putFirst(T* e) {
-        reserva(e);
-        T** cadeia = &cadeias_[e->chave_hash & mascara_];
-        e->chave_prox = *cadeia;
-        *cadeia = e;
+    void putFirst(T* e) { putFirst(e, Chave(chave(*e)).hash); }
+
+    // As above, with the hash of its key known.
+    void putFirst(T* e, std::uint32_t hash) {
+        reserva();
+        indexa_primeiro(e, hash);
         DList<T>::putFirst(e);
     }
 
     void putLast(T* e) {
-        reserva(e);
-        T** fim = &cadeias_[e->chave_hash & mascara_];
-        while (*fim) fim = &(*fim)->chave_prox;
-        e->chave_prox = nullptr;
-        *fim = e;
+        reserva();
+        indexa_ultimo({e, Chave(chave(*e)).hash});
         DList<T>::putLast(e);
     }
 
     // As DList::remove; the index gives its memory back when the last element leaves.
     void remove(T* e) {
-        T** elo = &cadeias_[e->chave_hash & mascara_];
-        while (*elo != e) elo = &(*elo)->chave_prox;
-        *elo = e->chave_prox;
+        std::size_t i = Chave(chave(*e)).hash & mascara_;
+        while (vagas_[i].e != e) i = seguinte(i);
         DList<T>::remove(e);
-        if (--total_ == 0 && mascara_ >= minimo_) {
-            cadeias_.reset();
+        if (--total_ == 0) {
+            vagas_.reset();
             mascara_ = 0;
+        } else {
+            desocupa(i);
         }
     }
 
@@ -60,52 +73,119 @@ class Tabela : public DList<T> {
         return e->next;
     }
 
+    // Unlinks and deletes, in list order, the elements for which `sai` answers true. Cheaper than
+    // one by one: the index is built anew over those that stay.
+    template <class Teste>
+    void apaga_se(Teste sai) {
+        const std::size_t antes = total_;
+        for (T* e = this->head; e;) {
+            T* atual = e;
+            e = e->next;
+            if (!sai(atual)) continue;
+            DList<T>::remove(atual);
+            delete atual;
+            --total_;
+        }
+        if (total_ != antes) reindexa();
+    }
+
     // The first element whose key equals `procurada` byte for byte, or null.
-    T* procurar(const char* procurada) const {
-        if (total_ == 0) return nullptr;
-        const std::uint32_t h = hash_chave(procurada, std::strlen(procurada));
-        for (T* e = cadeias_[h & mascara_]; e; e = e->chave_prox)
-            if (e->chave_hash == h && std::strcmp(chave(*e), procurada) == 0) return e;
+    T* procurar(const Chave& procurada) const {
+        if (!vagas_) return nullptr;
+        for (std::size_t i = procurada.hash & mascara_; vagas_[i].e; i = seguinte(i))
+            if (vagas_[i].hash == procurada.hash &&
+                std::strcmp(chave(*vagas_[i].e), procurada.texto) == 0)
+                return vagas_[i].e;
         return nullptr;
+    }
+    T* procurar(const char* procurada) const { return procurar(Chave(procurada)); }
+
+    // Hints, for lookups that come soon: fetches the place where the search for a hash begins; the
+    // first element of that hash, or null, without touching it.
+    void antecipa(std::uint32_t hash) const {
+        if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
+    }
+    T* provavel(std::uint32_t hash) const {
+        if (!vagas_) return nullptr;
+        std::size_t i = hash & mascara_;
+        while (vagas_[i].e && vagas_[i].hash != hash) i = seguinte(i);
+        return vagas_[i].e;
     }
 
     std::size_t total() const { return total_; }
 
   private:
+    // A place of the index; free when `e` is null. An element stands at its hash's place or, past
+    // an unbroken row of others, behind it. Of equal hashes the newest stands first.
+    struct Vaga {
+        T* e;
+        std::uint32_t hash;
+    };
     static constexpr std::size_t minimo_ = 64;
 
-    // Computes the hash of `e` and makes room for one more element.
-    void reserva(T* e) {
-        const char* c = chave(*e);
-        e->chave_hash = hash_chave(c, std::strlen(c));
-        if (!cadeias_) {
-            cadeias_ = std::make_unique<T*[]>(minimo_);
-            mascara_ = minimo_ - 1;
-        } else if (total_ > mascara_) {
-            dobra();
+    std::size_t seguinte(std::size_t i) const { return (i + 1) & mascara_; }
+
+    // Takes the place of the newest of its hash; each older one moves on to the next one's place.
+    void indexa_primeiro(T* e, std::uint32_t hash) {
+        std::size_t i = hash & mascara_;
+        for (; vagas_[i].e; i = seguinte(i))
+            if (vagas_[i].hash == hash) std::swap(vagas_[i].e, e);
+        vagas_[i] = {e, hash};
+    }
+
+    void indexa_ultimo(const Vaga& v) {
+        std::size_t i = v.hash & mascara_;
+        while (vagas_[i].e) i = seguinte(i);
+        vagas_[i] = v;
+    }
+
+    // Frees a place: whatever stands behind it and may stand in it moves up, and so on.
+    void desocupa(std::size_t livre) {
+        for (std::size_t i = seguinte(livre); vagas_[i].e; i = seguinte(i)) {
+            const std::size_t casa = vagas_[i].hash & mascara_;
+            if (((i - casa) & mascara_) < ((i - livre) & mascara_)) continue;
+            vagas_[livre] = vagas_[i];
+            livre = i;
         }
+        vagas_[livre] = {};
+    }
+
+    // Makes room for one more element: at least a quarter of the places stay free.
+    void reserva() {
+        if (!vagas_ || (total_ + 1) * 4 > (mascara_ + 1) * 3) cresce();
         ++total_;
     }
 
-    // Doubles the number of chains. Each old chain splits in two, both in the old order, so that
-    // equal keys go on answering newest first.
-    void dobra() {
-        const std::size_t antes = mascara_ + 1;
-        auto novas = std::make_unique<T*[]>(antes * 2);
-        for (std::size_t i = 0; i < antes; ++i) {
-            T** fim[2] = {&novas[i], &novas[i + antes]};
-            for (T* e = cadeias_[i]; e; e = e->chave_prox) {
-                T**& f = fim[(e->chave_hash & antes) != 0];
-                *f = e;
-                f = &e->chave_prox;
-            }
-            *fim[0] = *fim[1] = nullptr;
+    // Doubles the places. The walk begins behind a free one, so that no row is cut in two and equal
+    // hashes keep their order.
+    void cresce() {
+        const std::unique_ptr<Vaga[]> antigas = std::move(vagas_);
+        const std::size_t quantas = antigas ? mascara_ + 1 : 0;
+        std::size_t livre = 0;
+        while (livre < quantas && antigas[livre].e) ++livre;
+        abre(quantas ? quantas * 2 : minimo_);
+        for (std::size_t i = 0; i < quantas; ++i) {
+            const Vaga& v = antigas[(livre + i) & (quantas - 1)];
+            if (v.e) indexa_ultimo(v);
         }
-        cadeias_ = std::move(novas);
-        mascara_ = antes * 2 - 1;
     }
 
-    std::unique_ptr<T*[]> cadeias_;
+    void reindexa() {
+        vagas_.reset();
+        mascara_ = 0;
+        if (total_ == 0) return;
+        std::size_t quantas = minimo_;
+        while (total_ * 4 > quantas * 3) quantas *= 2;
+        abre(quantas);
+        for (T* e = this->tail; e; e = e->prev) indexa_primeiro(e, Chave(chave(*e)).hash);
+    }
+
+    void abre(std::size_t quantas) {
+        vagas_ = std::make_unique<Vaga[]>(quantas);
+        mascara_ = quantas - 1;
+    }
+
+    std::unique_ptr<Vaga[]> vagas_;
     std::size_t mascara_ = 0;
     std::size_t total_ = 0;
 };

@@ -38,10 +38,6 @@ class Usuario {
     // may still be in flight, so an END of the next day takes it below zero, which wraps.
     std::uint32_t msgs_reference;
 
-    // Own members of the user table (Tabela.h).
-    Usuario* chave_prox = nullptr;
-    std::uint32_t chave_hash = 0;
-
     // `nome` may be null (the name is then null); `periodos` 0 means 24.
     Usuario(const char* nome, unsigned periodos);
     ~Usuario();

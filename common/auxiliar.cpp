@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 
+#include "misc/marcas.h"
+
 namespace {
 
 template <class T, class Teste>
@@ -47,16 +49,20 @@ char minuscula(char c) {
 }  // namespace
 
 int getTokens(char* line, char** tokens, int max) {
+    return getTokens(line, line + std::strlen(line), tokens, max);
+}
+
+int getTokens(char* line, char* fim, char** tokens, int max) {
+    Marcas marcas(line, fim);
     int n = 0;
     char* p = line;
-    while (*p != '\n' && *p != '\r' && *p != '\0' && n < max) {
-        if (*p == ' ') {
-            *p++ = '\0';
-            while (*p == ' ') ++p;
-            if (*p == '\n' || *p == '\0') break;
-            tokens[n++] = p;
-        }
-        ++p;
+    while (n < max) {
+        p = marcas.a_partir(p);
+        if (*p != ' ') break;
+        *p++ = '\0';
+        while (*p == ' ') ++p;
+        if (*p == '\n' || *p == '\0') break;
+        tokens[n++] = p++;
     }
     *p = '\0';
     return n;

@@ -30,21 +30,40 @@ bool LeitorLinhas::enche() {
     return true;
 }
 
+// The length of the next line, 0 when its end has not been read. Its first `visto` bytes are known
+// to hold no line feed.
+std::size_t LeitorLinhas::completa(std::size_t visto, std::size_t limite) const {
+    const char* resto = memoria_.get() + inicio_;
+    const std::size_t ha = std::min(fim_ - inicio_, limite);
+    const void* lf = ha > visto ? std::memchr(resto + visto, '\n', ha - visto) : nullptr;
+    if (lf) return static_cast<std::size_t>(static_cast<const char*>(lf) - resto) + 1;
+    return ha < limite ? 0 : ha;
+}
+
 std::size_t LeitorLinhas::proxima(const char** linha, std::size_t limite) {
     std::size_t visto = 0;
-    for (;;) {
-        const char* resto = memoria_.get() + inicio_;
-        const std::size_t ha = std::min(fim_ - inicio_, limite);
-        const void* lf = ha > visto ? std::memchr(resto + visto, '\n', ha - visto) : nullptr;
-        std::size_t tamanho = lf ? static_cast<const char*>(lf) - resto + 1 : ha;
-        if (!lf && ha < limite) {
-            visto = ha;
-            if (enche()) continue;
-            // A line cut off by a failed read is not a line.
-            if (erro_) tamanho = 0;
-        }
-        *linha = memoria_.get() + inicio_;
-        inicio_ += tamanho;
-        return tamanho;
+    std::size_t tamanho;
+    while ((tamanho = completa(visto, limite)) == 0) {
+        visto = fim_ - inicio_;
+        if (enche()) continue;
+        // A line cut off by a failed read is not a line.
+        tamanho = erro_ ? 0 : visto;
+        break;
     }
+    *linha = memoria_.get() + inicio_;
+    inicio_ += tamanho;
+    return tamanho;
+}
+
+std::size_t LeitorLinhas::varias(Trecho* linhas, std::size_t max, std::size_t limite) {
+    linhas[0].tamanho = proxima(&linhas[0].inicio, limite);
+    if (linhas[0].tamanho == 0) return 0;
+    std::size_t n = 1;
+    for (; n < max; ++n) {
+        const std::size_t tamanho = completa(0, limite);
+        if (tamanho == 0) break;
+        linhas[n] = {memoria_.get() + inicio_, tamanho};
+        inicio_ += tamanho;
+    }
+    return n;
 }

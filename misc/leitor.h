@@ -23,8 +23,19 @@ class LeitorLinhas {
     // errno of the read that ended the file early, or 0.
     int erro() const { return erro_; }
 
+    // A line, as proxima() answers it.
+    struct Trecho {
+        const char* inicio;
+        std::size_t tamanho;
+    };
+
+    // As proxima(), and as many of the lines behind it, up to `max` in all, as were read already.
+    // Answers how many (0: as proxima() answers 0). All hold until the next call.
+    std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
+
   private:
     bool enche();
+    std::size_t completa(std::size_t visto, std::size_t limite) const;
 
     std::unique_ptr<char[]> memoria_;
     std::size_t leitura_ = 0;

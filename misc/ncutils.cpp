@@ -61,7 +61,7 @@ bool sincroniza_diretorio_de(const char* path) {
     const auto barra = dir.rfind('/');
     dir = barra == std::string::npos ? "." : barra == 0 ? "/" : dir.substr(0, barra);
     const int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return false;
+    if (fd < 0) return errno == EACCES;  // one that may be written into but not opened
     const bool feito = sincroniza(fd);
     close(fd);
     return feito;

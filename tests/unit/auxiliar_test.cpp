@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "common/LogMailFileParser.h"
+#include "misc/marcas.h"
 
 namespace {
 
@@ -44,6 +46,51 @@ TEST(Auxiliar, getTokens) {
         {"x a\nb c\n", 50, {"a"}},
     };
     for (const auto& c : casos) EXPECT_EQ(separa(c.linha, c.max), c.palavras) << c.linha;
+}
+
+// The splitting rule, one character at a time.
+Palavras separa_devagar(std::string linha, std::size_t max) {
+    Palavras palavras;
+    std::size_t p = 0;
+    const auto aqui = [&] { return p < linha.size() ? linha[p] : '\0'; };
+    std::vector<std::size_t> inicios;
+    while (aqui() != '\n' && aqui() != '\r' && aqui() != '\0' && inicios.size() < max) {
+        if (aqui() == ' ') {
+            linha[p++] = '\0';
+            while (aqui() == ' ') ++p;
+            if (aqui() == '\n' || aqui() == '\0') break;
+            inicios.push_back(p);
+        }
+        ++p;
+    }
+    linha.resize(p);
+    for (std::size_t i : inicios) palavras.emplace_back(linha.c_str() + i);
+    return palavras;
+}
+
+TEST(Auxiliar, marcasEPalavrasComoUmaAUma) {
+    std::mt19937 sorte(11);
+    for (int vez = 0; vez < 20000; ++vez) {
+        // Of exactly its size, so that a byte read behind it shows under a sanitizer.
+        const std::size_t n = sorte() % 200;
+        const std::unique_ptr<char[]> texto(new char[n + 1]);
+        const unsigned raras = 8 + sorte() % 40;
+        for (std::size_t i = 0; i < n; ++i) texto[i] = " \n\rabcdefgh"[sorte() % raras % 11];
+        if (vez % 2)
+            for (std::size_t i = 0; i < n; ++i)
+                if (texto[i] < ' ') texto[i] = ' ';
+        texto[n] = '\0';
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::size_t m = std::min<std::size_t>(n - i, 1 + sorte() % 64);
+            ASSERT_EQ(marcas(&texto[n - m], m), marcas_uma_a_uma(&texto[n - m], m));
+        }
+        const std::string linha = texto.get();
+        char* t[50] = {};
+        const int max = static_cast<int>(sorte() % 50);
+        const int lidas = getTokens(texto.get(), t, max);
+        ASSERT_EQ(Palavras(t, t + lidas), separa_devagar(linha, static_cast<std::size_t>(max)))
+            << linha;
+    }
 }
 
 TEST(Auxiliar, explode) {

@@ -18,13 +18,14 @@ TEST(Tabela, respondeComoALista) {
     Tabela<Msg> tabela;
     DList<Msg>* lista = &tabela;  // the same elements, searched by walking
     std::vector<Msg*> dentro;
-    std::size_t achados = 0;
+    std::size_t achados = 0, apagados = 0;
     for (int passo = 0; passo < 20000; ++passo) {
         // It grows to several hundred, shrinks to nothing, and grows again; keys repeat.
         const bool poe = passo / 4000 % 2 == 0 ? escolhe(4) != 0 : escolhe(4) == 0;
         const std::string id = "M" + std::to_string(escolhe(400));
         if (poe || dentro.empty()) {
             Msg* m = new Msg(id.c_str(), 0);
+            m->size = escolhe(3) == 0;
             escolhe(3) ? tabela.putFirst(m) : tabela.putLast(m);
             dentro.push_back(m);
         } else {
@@ -36,11 +37,18 @@ TEST(Tabela, respondeComoALista) {
             dentro[i] = dentro.back();
             dentro.pop_back();
         }
+        if (passo % 3000 == 2999) {
+            const std::size_t antes = dentro.size();
+            std::erase_if(dentro, [](const Msg* m) { return m->size != 0; });
+            tabela.apaga_se([](const Msg* m) { return m->size != 0; });
+            apagados += antes - dentro.size();
+        }
         ASSERT_EQ(procurar_msg(&tabela, id.c_str()), procurar_msg(lista, id.c_str())) << passo;
         ASSERT_EQ(tabela.total(), dentro.size());
         achados += procurar_msg(&tabela, id.c_str()) != nullptr;
     }
     EXPECT_GT(achados, 5000u);
+    EXPECT_GT(apagados, 500u);
     for (Msg* m : dentro) delete m;
 }
 
