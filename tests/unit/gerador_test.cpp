@@ -10,6 +10,8 @@
 #include <map>
 #include <sstream>
 
+#include "tests/unit/apoio/arvore.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -17,19 +19,15 @@ namespace {
 class GeradorLogs : public testing::Test {
   protected:
     void SetUp() override {
-        std::string modelo = (fs::temp_directory_path() / "vtgerXXXXXX").string();
-        ASSERT_NE(mkdtemp(modelo.data()), nullptr);
-        raiz_ = modelo;
         p_.primeiro_dia = "2026-03-10";
         p_.mensagens = 3000;
         p_.usuarios = 50;
     }
-    void TearDown() override { fs::remove_all(raiz_); }
 
     // Generates by p_ into a new directory and answers its log: the pieces by name, the live file
     // last.
     std::string gera() {
-        p_.diretorio = (raiz_ / std::to_string(++vez_)).string();
+        p_.diretorio = raiz_.path(std::to_string(++vez_));
         resumo_ = gerador::gera(p_);
         std::vector<fs::path> pecas(fs::directory_iterator(p_.diretorio), fs::directory_iterator());
         std::sort(pecas.begin(), pecas.end());
@@ -54,7 +52,7 @@ class GeradorLogs : public testing::Test {
     std::size_t pecas_ = 0;
 
   private:
-    fs::path raiz_;
+    ArvoreTemporaria raiz_;
     int vez_ = 0;
 };
 

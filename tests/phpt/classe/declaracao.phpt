@@ -31,6 +31,7 @@ bool(true)
 bool(false)
 string(33) "Vorna PHP admin reports functions"
 __construct()
+getPontaraPath()
 setForceMode()
 getDataDir()
 setDataDir(dirpath)
@@ -40,6 +41,10 @@ getPeriods()
 setPeriods(periods)
 add_domain(domain)
 consolidate(lastConsolidFile)
+msgs_per_day(start, end, users, handle)
+user_msgs(destinatarios, remetentes, start, end, msg_id, min_kb, max_kb, handle)
+msgs_per_hour(start, end, user, handle)
+msg_trace(msg_id, start, end, handle)
 Error: Trying to clone an uncloneable object of class vt_mrel
 Exception: Serialization of 'vt_mrel' is not allowed
 Exception: Unserialization of 'vt_mrel' is not allowed

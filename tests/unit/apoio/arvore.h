@@ -13,7 +13,8 @@
 class ArvoreTemporaria {
   public:
     ArvoreTemporaria() {
-        std::string modelo = (std::filesystem::temp_directory_path() / "vt_XXXXXX").string();
+        std::string modelo = (std::filesystem::temp_directory_path() / "vt_").string();
+        modelo.append(6, 'X');
         if (mkdtemp(modelo.data())) raiz_ = modelo;
         EXPECT_FALSE(raiz_.empty()) << "no temporary directory";
     }
