@@ -1,6 +1,8 @@
 // Local time: from a log line's stamp to Unix seconds.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <ctime>
 
 // The conversions of one consolidation. Between comeca() and termina() the last hour converted is
@@ -18,13 +20,25 @@ class Relogio {
     // lacks run over into the next. -1 when the C library has no value for it.
     time_t do_registro(const char* texto);
 
+    // The same for a text in a buffer that holds at least `carimbo` bytes. Of the lines of a busy
+    // log most are of the same second as the one before: then nothing is converted at all.
+    time_t da_linha(const char* linha) {
+        const bool mesma = guarda_ && std::memcmp(linha, ultimo_, carimbo) == 0;
+        return mesma ? ultima_hora_ : do_registro(linha);
+    }
+    static constexpr std::size_t carimbo = 24;  // bytes of a stamp
+
   private:
     time_t da_hora(const struct tm& tm);
+    time_t lembra(const char* t, time_t hora);
 
     bool guarda_ = false;  // keeping is allowed
     bool cheio_ = false;   // hora_ and inicio_ hold
     char hora_[13] = {};   // "Mmm dd hh" and "yyyy" of the hour kept
     time_t inicio_ = 0;    // its first second
+
+    char ultimo_[carimbo] = {};  // the last regular stamp, and its time
+    time_t ultima_hora_ = 0;
 };
 
 // Midnight at the start of the local day that holds `t`.
