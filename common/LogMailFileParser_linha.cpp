@@ -151,10 +151,12 @@ void LogMailFileParser::despacha(const Evento& e) {
     } fim{evento_};
 
     evento_ = &e;
-    hora_ = convTimeFromLog(osBuf.lbuf);
-    char T[40];
-    *std::to_chars(T, T + sizeof T - 1, static_cast<std::uint32_t>(hora_), 16).ptr = '\0';
-    tabela[e.agente()][e.status()](*this, T, e);
+    const time_t hora = hora_do_registro();
+    if (hora != hora_ || T_[0] == '\0') {
+        *std::to_chars(T_, std::end(T_) - 1, static_cast<std::uint32_t>(hora), 16).ptr = '\0';
+        hora_ = hora;
+    }
+    tabela[e.agente()][e.status()](*this, T_, e);
 }
 
 // The time of the event being handled; 0 when the line has none.

@@ -106,7 +106,7 @@ Agent getAgent(const char* word) {
     if (!word) return AGENT_UNKNOWN;
     switch (word[0]) {
         case 'M':
-            if (strnlen(word, 5) < 5) return AGENT_UNKNOWN;
+            if (!word[1] || !word[2] || !word[3]) return AGENT_UNKNOWN;
             return word[4] == 'Q' ? MAILQ : word[4] == 'S' ? MAILSMTP : AGENT_UNKNOWN;
         case 'P':
             return POPSRV;
