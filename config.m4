@@ -20,6 +20,7 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogMailFileParser_periodos.cpp
     common/LogMailFileParser_retomada.cpp
     common/Msg.cpp
+    common/Reserva.cpp
     common/Tabela.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
