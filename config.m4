@@ -30,6 +30,7 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogMailFileParser_trace.cpp
     common/LogMailFileParser_usuario.cpp
     common/Msg.cpp
+    common/Reserva.cpp
     common/Tabela.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
