@@ -32,8 +32,10 @@ if test "$PHP_VT_MREL" != "no"; then
     common/Msg.cpp
     common/Reserva.cpp
     common/Tabela.cpp
+    common/Trabalho.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
+    common/compacta.cpp
     common/diario.cpp
     common/logresult.cpp
     common/relogio.cpp

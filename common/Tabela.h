@@ -89,6 +89,13 @@ class Tabela : public DList<T> {
         if (total_ != antes) reindexa();
     }
 
+    // Empties list and index without touching the elements, whose memory goes otherwise.
+    void esquece() {
+        this->head = this->tail = nullptr;
+        total_ = 0;
+        reindexa();
+    }
+
     // The first element whose key equals `procurada` byte for byte, or null.
     T* procurar(const Chave& procurada) const {
         if (!vagas_) return nullptr;

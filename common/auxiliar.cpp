@@ -61,23 +61,20 @@ int getTokens(char* line, char** tokens, int max) {
 }
 
 int reparte(char* str, char sep, char** pedacos) {
-    const std::size_t tamanho = std::strlen(str);
-    int total = 0;
-    for (std::size_t i = 0; i < tamanho; ++i) {
-        if (total == 0 && str[i] != ' ') total = 1;
-        if (str[i] == sep) {
-            str[i] = '\0';
-            ++total;
-        }
+    char* const fim = str + std::strlen(str);
+    // A text of blanks only has no first piece; nor has, with the blank as separator, one that
+    // begins with it: its last piece is lost for that.
+    const bool primeiro =
+        sep == ' ' ? str != fim && *str != ' ' : str[std::strspn(str, " ")] != '\0';
+    int separadores = 0;
+    pedacos[0] = str;
+    for (char* p = str;
+         (p = static_cast<char*>(std::memchr(p, sep, static_cast<std::size_t>(fim - p)))); ++p) {
+        *p = '\0';
+        pedacos[++separadores] = p + 1;
     }
-    if (tamanho && str[tamanho - 1] == '\n') str[tamanho - 1] = '\0';
-    if (total == 0) return 0;
-
-    int usados = 0;
-    pedacos[usados++] = str;
-    for (std::size_t i = 0; i < tamanho && usados < total; ++i)
-        if (str[i] == '\0') pedacos[usados++] = str + i + 1;
-    return total;
+    if (str != fim && fim[-1] == '\n') fim[-1] = '\0';
+    return separadores + primeiro;
 }
 
 char** explode(char* str, char sep, int* count) {
