@@ -98,7 +98,7 @@ function mostra_horas(Relatorios $r): void
     }
     echo tabela('<>>>>><', ['Hora', 'Internas', 'Externas', 'Spam', 'Vírus', 'Com erro',
         'Internas e externas'], $celulas);
-    echo "\n  Spam e vírus contam duas vezes: no veredito e no fim da mensagem.\n";
+    echo "\n  Spam e vírus contam no veredito, e outra vez quando a mensagem termina.\n";
 }
 
 function estado(array $m): string

@@ -37,12 +37,11 @@ function tamanho(int|float $bytes): string
     return numero($bytes, 1) . ' ' . $unidades[$i];
 }
 
-// A bar of up to `$colunas` columns for `$n` of `$maior`, in steps of an eighth of a column.
+// A bar of up to `$colunas` columns for `$n` of `$maior`, in steps of half a column.
 function barra(int $n, int $maior, int $colunas): string
 {
-    $oitavos = (int) round($n * $colunas * 8 / $maior);
-    $pontas = ['', '▏', '▎', '▍', '▌', '▋', '▊', '▉'];
-    return str_repeat('█', intdiv($oitavos, 8)) . $pontas[$oitavos % 8];
+    $metades = (int) round($n * $colunas * 2 / $maior);
+    return str_repeat('━', intdiv($metades, 2)) . ($metades % 2 ? '╸' : '');
 }
 
 // The rows under their titles. `$alinhamento` has one character a column: "<" left, ">" right. A
