@@ -223,6 +223,7 @@ class LogMailFileParser : public LogFileParser {
 
     const Evento* evento_ = nullptr;   // the line in osBuf.lbuf, while parser() handles it
     time_t hora_ = 0;                  // its time
+    char T_[16] = {};                  // and that in hexadecimal, as the handlers take it
     std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
     bool sem_compacto_ = false;        // the day's compact file could not be created
     std::unique_ptr<char[]> memoria_;  // buffer of the day file being written

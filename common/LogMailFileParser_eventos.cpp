@@ -306,7 +306,7 @@ int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id,
 }
 
 void LogMailFileParser::remover_error(Msg* m, const char* texto) {
-    if (!m) return;
+    if (!m || !m->error_list.first()) return;
     for (ErrorType tipo : {etSENDER, etHELO, etCONNECT, etDOMAIN}) m->remove_error(tipo, texto);
     m->remove_error(etDATA, "");
 }

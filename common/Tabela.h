@@ -102,7 +102,7 @@ class Tabela : public DList<T> {
 
     // Hints, for lookups that come soon: fetches the place where the search for a hash begins; the
     // first element of that hash, or null, without touching it.
-    void antecipa(std::uint32_t hash) const {
+    [[gnu::always_inline]] void antecipa(std::uint32_t hash) const {
         if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
     }
     T* provavel(std::uint32_t hash) const {

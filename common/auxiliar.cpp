@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "misc/marcas.h"
+#include "misc/palavras.h"
 
 namespace {
 
@@ -49,22 +49,14 @@ char minuscula(char c) {
 }  // namespace
 
 int getTokens(char* line, char** tokens, int max) {
-    return getTokens(line, line + std::strlen(line), tokens, max);
-}
-
-int getTokens(char* line, char* fim, char** tokens, int max) {
-    Marcas marcas(line, fim);
-    int n = 0;
-    char* p = line;
-    while (n < max) {
-        p = marcas.a_partir(p);
-        if (*p != ' ') break;
-        *p++ = '\0';
-        while (*p == ' ') ++p;
-        if (*p == '\n' || *p == '\0') break;
-        tokens[n++] = p++;
-    }
-    *p = '\0';
+    int n = -1;
+    const std::size_t fim =
+        percorre_palavras(line, std::strlen(line), max, [&](std::size_t inicio, std::size_t fim) {
+            line[fim] = '\0';
+            if (n >= 0) tokens[n] = line + inicio;
+            ++n;
+        });
+    line[fim] = '\0';
     return n;
 }
 
@@ -106,7 +98,7 @@ Agent getAgent(const char* word) {
     if (!word) return AGENT_UNKNOWN;
     switch (word[0]) {
         case 'M':
-            if (strnlen(word, 5) < 5) return AGENT_UNKNOWN;
+            if (!word[1] || !word[2] || !word[3]) return AGENT_UNKNOWN;
             return word[4] == 'Q' ? MAILQ : word[4] == 'S' ? MAILSMTP : AGENT_UNKNOWN;
         case 'P':
             return POPSRV;
