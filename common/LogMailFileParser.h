@@ -184,6 +184,7 @@ class LogMailFileParser : public LogFileParser {
     // The line (_linha.cpp).
     void despacha(const Evento& e);
     time_t hora_da_linha();
+    std::size_t tamanho_de(const char* texto) const;
     Chave chave_de(const char* texto) const;
     const char* resto_da_linha(std::size_t coluna) const;
 
@@ -223,9 +224,10 @@ class LogMailFileParser : public LogFileParser {
     struct IndiceDeLinhas;
     IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
-    const Evento* evento_ = nullptr;   // the line in osBuf.lbuf, while parser() handles it
-    time_t hora_ = 0;                  // its time
-    char T_[16] = {};                  // and that in hexadecimal, as the handlers take it
+    const Evento* evento_ = nullptr;  // the line in osBuf.lbuf, while parser() handles it
+    time_t hora_ = 0;                 // its time
+    char T_[16] = {};                 // and that in hexadecimal, as the handlers take it
+    std::size_t tamanho_de_T_ = 0;
     std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
     bool sem_compacto_ = false;        // the day's compact file could not be created
     std::unique_ptr<char[]> memoria_;  // buffer of the day file being written

@@ -147,7 +147,9 @@ void LogMailFileParser::despacha(const Evento& e) {
     evento_ = &e;
     const time_t hora = hora_do_registro();
     if (hora != hora_ || T_[0] == '\0') {
-        *std::to_chars(T_, std::end(T_) - 1, static_cast<std::uint32_t>(hora), 16).ptr = '\0';
+        char* fim = std::to_chars(T_, std::end(T_) - 1, static_cast<std::uint32_t>(hora), 16).ptr;
+        *fim = '\0';
+        tamanho_de_T_ = static_cast<std::size_t>(fim - T_);
         hora_ = hora;
     }
     tabela[e.agente()][e.status()](*this, T_, e);
@@ -156,6 +158,14 @@ void LogMailFileParser::despacha(const Evento& e) {
 // The time of the event being handled; 0 when the line has none.
 time_t LogMailFileParser::hora_da_linha() {
     return evento_ ? hora_ : convTimeFromLog(osBuf.lbuf);
+}
+
+// The length of a text given to a handler; known when it is the time or a key of the line.
+std::size_t LogMailFileParser::tamanho_de(const char* texto) const {
+    if (evento_ && texto == T_) return tamanho_de_T_;
+    if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
+    if (evento_ && texto == evento_->usuario().texto) return evento_->usuario().tamanho;
+    return std::strlen(texto);
 }
 
 // A text given to a handler, as a key. When it is a word of the line, its hash is known.

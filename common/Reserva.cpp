@@ -3,6 +3,7 @@
 
 #include <sys/mman.h>
 
+#include <cstdlib>
 #include <new>
 
 // Stands at the start of its block; blocks are aligned to their size, so a place finds its own.
@@ -16,6 +17,36 @@ struct alignas(64) Reserva::Bloco {
         return !livres && intocado + tamanho > reinterpret_cast<const char*>(this) + bloco;
     }
 };
+
+namespace {
+
+// A multiple of the block's size, aligned to it.
+char* mapeia(std::size_t n, bool paginas_grandes) {
+    // One block more holds an aligned part; what stands before and behind it is given back.
+    constexpr std::size_t bloco = Reserva::bloco;
+    void* mapa =
+        mmap(nullptr, n + bloco, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapa == MAP_FAILED) throw std::bad_alloc();
+    const auto inicio = reinterpret_cast<std::uintptr_t>(mapa);
+    const std::size_t antes = (bloco - inicio % bloco) % bloco;
+    char* alinhado = static_cast<char*>(mapa) + antes;
+    if (antes != 0) munmap(mapa, antes);
+    munmap(alinhado + n, bloco - antes);
+    if (paginas_grandes) madvise(alinhado, n, MADV_HUGEPAGE);
+    return alinhado;
+}
+
+}  // namespace
+
+void* toma_zerada(std::size_t n) {
+    if (n % Reserva::bloco == 0) return mapeia(n, true);
+    if (void* p = std::calloc(n, 1)) return p;
+    throw std::bad_alloc();
+}
+
+void devolve_zerada(void* p, std::size_t n) noexcept {
+    n % Reserva::bloco == 0 ? static_cast<void>(munmap(p, n)) : std::free(p);
+}
 
 void* Reserva::toma() {
     Bloco* b = com_lugar_ ? com_lugar_ : abre();
@@ -44,21 +75,12 @@ void Reserva::devolve(void* lugar) noexcept {
 }
 
 Reserva::Bloco* Reserva::abre() {
-    // Twice the size holds an aligned block; what stands before and behind it is given back.
-    void* mapa =
-        mmap(nullptr, 2 * bloco, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapa == MAP_FAILED) throw std::bad_alloc();
-    const auto inicio = reinterpret_cast<std::uintptr_t>(mapa);
-    const std::size_t antes = (bloco - inicio % bloco) % bloco;
-    char* alinhado = static_cast<char*>(mapa) + antes;
-    if (antes != 0) munmap(mapa, antes);
-    munmap(alinhado + bloco, bloco - antes);
-    if (blocos_ != 0) madvise(alinhado, bloco, MADV_HUGEPAGE);
+    char* b = mapeia(bloco, blocos_ != 0);
     ++blocos_;
-    Bloco* b = new (alinhado) Bloco{};
-    b->intocado = alinhado + sizeof(Bloco);
-    poe(b);
-    return b;
+    Bloco* novo = new (b) Bloco{};
+    novo->intocado = b + sizeof(Bloco);
+    poe(novo);
+    return novo;
 }
 
 void Reserva::tira(Bloco* b) {

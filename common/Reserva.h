@@ -5,6 +5,12 @@
 #include <cstdint>
 #include <new>
 
+// Zeroed memory for a large array, from the system and on large pages where it fills one; a small
+// one comes from the general allocator. Throws std::bad_alloc.
+void* toma_zerada(std::size_t n);
+// Takes back what toma_zerada(n) gave.
+void devolve_zerada(void* p, std::size_t n) noexcept;
+
 // Hands out places of one size. A day holds up to a million messages: without the bookkeeping of a
 // general allocator each costs less, and from the second block on the system is asked for large
 // pages, since finding the page takes longer than reading the record. A place given back is handed

@@ -92,10 +92,8 @@ std::size_t percorre_palavras(const char* texto, std::size_t n, int max, Palavra
     Marcas marcas(texto, n);
     std::size_t inicio = 0;
     std::size_t fim = max > 0 ? marcas.proxima() : 0;
-    for (;; --max) {
-        const bool segue = max > 0 && fim < n && texto[fim] == ' ';
+    for (; max > 0 && fim < n && texto[fim] == ' '; --max) {
         palavra(inicio, fim);
-        if (!segue) return fim;
         inicio = fim + 1;
         while (inicio < n && texto[inicio] == ' ') ++inicio;
         if (inicio == n || texto[inicio] == '\n') return inicio;
@@ -103,4 +101,6 @@ std::size_t percorre_palavras(const char* texto, std::size_t n, int max, Palavra
             fim = max > 1 ? marcas.proxima() : inicio + 1;
         } while (fim <= inicio);
     }
+    palavra(inicio, fim);
+    return fim;
 }
