@@ -30,9 +30,12 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogMailFileParser_trace.cpp
     common/LogMailFileParser_usuario.cpp
     common/Msg.cpp
+    common/Reserva.cpp
     common/Tabela.cpp
+    common/Trabalho.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
+    common/compacta.cpp
     common/diario.cpp
     common/logresult.cpp
     common/relogio.cpp
@@ -42,7 +45,7 @@ if test "$PHP_VT_MREL" != "no"; then
     php/vtmrel_obj.cpp
   "
   dnl At most level 2 of the fortified functions: the string library formats with the size of its whole record as the limit.
-  VT_MREL_FLAGS="-std=c++20 -O2 -fvisibility=hidden -Wall -Wextra -Wformat=2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -DZEND_ENABLE_STATIC_TSRMLS_CACHE=1"
+  VT_MREL_FLAGS="-std=c++20 -O2 -fvisibility=hidden -Wall -Wextra -Wformat=2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2"
   PHP_NEW_EXTENSION(vt_mrel, $VT_MREL_SOURCES, $ext_shared, , $VT_MREL_FLAGS, cxx)
   PHP_ADD_INCLUDE($ext_srcdir)
   PHP_ADD_BUILD_DIR([$ext_builddir/misc $ext_builddir/borland $ext_builddir/common $ext_builddir/php])

@@ -31,10 +31,15 @@ class Evento {
     const Chave& usuario() const { return usuario_; }
 
   private:
+    static constexpr std::size_t inicio_das_palavras_ = 26;
+
+    Chave chave_da(int i, const char* linha) const;
+
     Agent agente_;
     Status status_;
     Chave id_, usuario_;
-    // One word more than is read: getTokens cuts the last one.
+    // One word more than is read: the last one is cut.
     char* palavras_[palavras_lidas + 1];
+    std::size_t tamanhos_[palavras_lidas + 1];
     char texto_[300];
 };

@@ -96,6 +96,9 @@ class LogFileParser {
     std::size_t bytes_por_leitura = LeitorLinhas::bloco;
 
   protected:
+    // The time of the line in osBuf.lbuf.
+    time_t hora_do_registro() { return relogio_.da_linha(osBuf.lbuf); }
+
     // Not virtual: nobody deletes a parser through this class.
     ~LogFileParser();
 

@@ -27,7 +27,6 @@ LogMailFileParser::LogMailFileParser()
 LogMailFileParser::~LogMailFileParser() {
     delete[] period_limit;
     apaga_todos(domains);
-    apaga_todos(trabalho_);
 }
 
 bool LogMailFileParser::add_domain(char* list) {
@@ -61,5 +60,5 @@ void LogMailFileParser::esvazia() {
     lote_.reset();
     Lista_msg.apaga_se([](const Msg*) { return true; });
     Lista_usu.apaga_se([](const Usuario*) { return true; });
-    trabalho_.apaga_se([](const Msg*) { return true; });
+    trabalhos_.esquece();
 }

@@ -12,10 +12,13 @@
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
 #include "common/Tabela.h"
+#include "common/Trabalho.h"
 #include "common/Usuario.h"
 #include "common/auxiliar.h"
 #include "common/diario.h"
 #include "common/relatorio.h"
+
+class Crivo;
 
 // One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
 // of a day and its files (_periodos), the statistics file (_estatistica), what is carried over
@@ -173,12 +176,15 @@ class LogMailFileParser : public LogFileParser {
     struct RegraErro;
     struct Despacho;
     struct Lido;
+    struct Leitura;
+    class Horas;
     struct Replay;
     struct LeituraEstatistica;
 
     // The line (_linha.cpp).
     void despacha(const Evento& e);
     time_t hora_da_linha();
+    std::size_t tamanho_de(const char* texto) const;
     Chave chave_de(const char* texto) const;
     const char* resto_da_linha(std::size_t coluna) const;
 
@@ -208,21 +214,20 @@ class LogMailFileParser : public LogFileParser {
                          DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
                          const char* user);
     void replay(diario::Dias dias, long start, long end, ReportType type, params* p);
+    static void passa_por_cima(LeitorLinhas& leitor, Crivo& crivo, const Msg& m);
     bool corta_dominio_local(std::string& endereco);
-    Msg* trabalho_novo(const char* id, long t);
-    Msg* trabalho(const char* id, long t);
     UserMsgs* linha_de(DList<UserMsgs>* msgs, const char* id);
     UserMsgs* nova_linha(DList<UserMsgs>* msgs, const char* id);
     bool remetido(DList<Usuario>* remetentes, const char* endereco);
 
-    // What reports remember of the messages they met, newest first and one record an id: later
-    // reports of this object find them again; a consolidation never sees them and forgets them.
-    Tabela<Msg> trabalho_;
+    Trabalhos trabalhos_;  // never seen by a consolidation, which makes the parser forget them
     struct IndiceDeLinhas;
     IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
-    const Evento* evento_ = nullptr;   // the line in osBuf.lbuf, while parser() handles it
-    time_t hora_ = 0;                  // its time
+    const Evento* evento_ = nullptr;  // the line in osBuf.lbuf, while parser() handles it
+    time_t hora_ = 0;                 // its time
+    char T_[16] = {};                 // and that in hexadecimal, as the handlers take it
+    std::size_t tamanho_de_T_ = 0;
     std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
     bool sem_compacto_ = false;        // the day's compact file could not be created
     std::unique_ptr<char[]> memoria_;  // buffer of the day file being written

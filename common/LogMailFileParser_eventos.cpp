@@ -26,10 +26,11 @@ bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status
         traco("%s : Params. inv\xE1lidos.\r\n", metodo);
         return false;
     }
+    const char* T = *campos.begin();
     Linha linha(compact_logfile);
-    linha.texto(*campos.begin()).letra(' ').numero(agente).letra(' ').numero(status);
+    linha.texto(T, tamanho_de(T)).letra(' ').numero(agente).letra(' ').numero(status);
     for (const char* const* c = campos.begin() + 1; c != campos.end(); ++c)
-        linha.letra(' ').texto(*c);
+        linha.letra(' ').texto(*c, tamanho_de(*c));
     linha.texto(fim).termina();
     return true;
 }
@@ -306,7 +307,7 @@ int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id,
 }
 
 void LogMailFileParser::remover_error(Msg* m, const char* texto) {
-    if (!m) return;
+    if (!m || !m->error_list.first()) return;
     for (ErrorType tipo : {etSENDER, etHELO, etCONNECT, etDOMAIN}) m->remove_error(tipo, texto);
     m->remove_error(etDATA, "");
 }

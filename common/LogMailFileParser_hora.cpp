@@ -25,13 +25,13 @@ int LogMailFileParser::get_msgs_per_hour_per_user(long start, long end, const ch
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long t, MsgsData* hora, char** campos, int n) {
+int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** campos, int n) {
     if (!hora || !campos) {
         traco("LogMailFileParser::msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos.\r\n");
         return 0;
     }
     if (n < 7) return 0;
-    Msg* m = trabalho_novo(campos[3], t);
+    Trabalho* m = trabalhos_.novo(campos[3]);
     m->int_user = getUserType(campos[4]) == INTERNO;
     m->define_remetente(campos[5]);
     m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
@@ -48,22 +48,20 @@ int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, cha
     return 1;
 }
 
-// A message whose submission was not seen is not counted. A spam or virus message counts here for
-// the second time.
+// A message whose submission was not seen is not counted. No event blocks attachments yet. A spam
+// or virus message counts here for the second time.
 int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
     if (!hora || !campos || n < 4) {
         traco("LogMailFileParser::msgs_per_hour_handle_END : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    const Msg* m = procurar_msg(&trabalho_, campos[3]);
+    const Trabalho* m = trabalhos_.acha(campos[3]);
     if (!m) return 1;
     const bool falhou = m->error || m->fatal_error;
     if (falhou)
         ++hora->error;
     else if (m->spam)
         ++hora->spam;
-    else if (m->att_blocked)
-        ++hora->att_blocked;
     else if (m->virus)
         ++hora->virus;
     if (!falhou) {
@@ -73,32 +71,32 @@ int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, cha
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_ERROR(long t, MsgsData* hora, char** campos, int n) {
+int LogMailFileParser::msgs_per_hour_handle_ERROR(long, MsgsData* hora, char** campos, int n) {
     if (!hora || n < 4) {
         traco("LogMailFileParser::msgs_per_hour_handle_ERROR : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    trabalho(campos[3], t)->error = true;
+    trabalhos_.acha_ou_novo(campos[3])->error = true;
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_VIRUS(long t, MsgsData* hora, char** campos, int n) {
+int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** campos, int n) {
     if (n <= 3) {
         traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
         return 0;
     }
-    trabalho(campos[3], t)->virus = true;
+    trabalhos_.acha_ou_novo(campos[3])->virus = true;
     ++hora->virus;
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_SPAM(long t, MsgsData* hora, char** campos, int n) {
+int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
     if (n <= 3) {
         // Under the other event's name, as the traces have always said it.
         traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
         return 0;
     }
-    trabalho(campos[3], t)->spam = true;
+    trabalhos_.acha_ou_novo(campos[3])->spam = true;
     ++hora->spam;
     return 1;
 }

@@ -26,14 +26,6 @@ void com(P& p, const char* T, const Evento& e) {
 
 void nada(P&, const char*, const Evento&) {}
 
-// Fetches a record that an event will touch.
-template <class T>
-void busca(const T* e) {
-    if (!e) return;
-    const char* p = reinterpret_cast<const char*>(e);
-    for (std::size_t i = 0; i < sizeof(T); i += 64) __builtin_prefetch(p + i);
-}
-
 }  // namespace
 
 // The actions that are more than a handler and its words.
@@ -126,8 +118,10 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
     }
     for (std::size_t i = 0; i < n; ++i) {
         const Evento& e = lote_[i];
-        if (e.id().texto) busca(Lista_msg.provavel(e.id().hash));
-        if (e.usuario().texto) busca(Lista_usu.provavel(e.usuario().hash));
+        if (e.id().texto)
+            if (const Msg* m = Lista_msg.provavel(e.id().hash)) m->busca();
+        if (e.usuario().texto)
+            if (const Usuario* u = Lista_usu.provavel(e.usuario().hash)) u->busca(last_period);
     }
 }
 
@@ -151,15 +145,27 @@ void LogMailFileParser::despacha(const Evento& e) {
     } fim{evento_};
 
     evento_ = &e;
-    hora_ = convTimeFromLog(osBuf.lbuf);
-    char T[40];
-    *std::to_chars(T, T + sizeof T - 1, static_cast<std::uint32_t>(hora_), 16).ptr = '\0';
-    tabela[e.agente()][e.status()](*this, T, e);
+    const time_t hora = hora_do_registro();
+    if (hora != hora_ || T_[0] == '\0') {
+        char* fim = std::to_chars(T_, std::end(T_) - 1, static_cast<std::uint32_t>(hora), 16).ptr;
+        *fim = '\0';
+        tamanho_de_T_ = static_cast<std::size_t>(fim - T_);
+        hora_ = hora;
+    }
+    tabela[e.agente()][e.status()](*this, T_, e);
 }
 
 // The time of the event being handled; 0 when the line has none.
 time_t LogMailFileParser::hora_da_linha() {
     return evento_ ? hora_ : convTimeFromLog(osBuf.lbuf);
+}
+
+// The length of a text given to a handler; known when it is the time or a key of the line.
+std::size_t LogMailFileParser::tamanho_de(const char* texto) const {
+    if (evento_ && texto == T_) return tamanho_de_T_;
+    if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
+    if (evento_ && texto == evento_->usuario().texto) return evento_->usuario().tamanho;
+    return std::strlen(texto);
 }
 
 // A text given to a handler, as a key. When it is a word of the line, its hash is known.

@@ -32,9 +32,12 @@ void LogMailFileParser::calculatePeriodLimits() {
 }
 
 unsigned LogMailFileParser::getPeriodByTime(time_t t) {
-    time_t* ultimo = period_limit + sfile_num_periods - 1;
-    const unsigned p =
-        static_cast<unsigned>(std::upper_bound(period_limit, ultimo, t) - period_limit);
+    const unsigned ultimo = sfile_num_periods - 1;
+    // Mostly the period of the event before.
+    unsigned p = last_period;
+    if (p >= ultimo || t >= period_limit[p] || (p > 0 && t < period_limit[p - 1]))
+        p = static_cast<unsigned>(std::upper_bound(period_limit, period_limit + ultimo, t) -
+                                  period_limit);
     if (!first_period_ok) first_period = p;
     first_period_ok = true;
     last_period = p;

@@ -1,9 +1,11 @@
 // Replaying compact files: which lines a report sees, and which of its handlers takes each.
+#include <algorithm>
 #include <array>
 #include <cstring>
 
 #include "common/LogMailFileParser.h"
 #include "common/auxiliar.h"
+#include "common/compacta.h"
 #include "misc/numero.h"
 
 namespace {
@@ -75,9 +77,6 @@ struct LogMailFileParser::Replay {
     static void hora_deliver(P& p, const Lido& e) {
         if (e.n > 3) p.msgs_per_hour_handle_DELIVER(e.t, e.hora, e.campos[3]);
     }
-    static void hora_ok(P& p, const Lido& e) {
-        p.msgs_per_hour_handle_OK(e.t, e.par->user, e.hora, e.campos, e.n);
-    }
     static void hora_end(P& p, const Lido& e) {
         p.msgs_per_hour_handle_END(e.hora, e.par->user, e.campos, e.n);
     }
@@ -92,7 +91,8 @@ struct LogMailFileParser::Replay {
         constexpr Regra regras[] = {
             {SUBMIT, trace<&P::msg_trace_handle_SUBMIT>, user_submit,
              hora<&P::msgs_per_hour_handle_SUBMIT>},
-            {OK, trace_destinatario<&P::msg_trace_handle_OK>, user_ok, hora_ok},
+            // An acceptance does not count in its hour, the END does.
+            {OK, trace_destinatario<&P::msg_trace_handle_OK>, user_ok, nada},
             {END, trace_end, user<&P::user_msgs_handle_END>, hora_end},
             {ERROR_CONNECT, trace_erro<etCONNECT>, user_erro<etCONNECT>, erro_na_hora},
             {ERROR_CONNECTION, nada, nada, erro_na_hora},
@@ -135,6 +135,49 @@ struct LogMailFileParser::Replay {
     }
 };
 
+// The line being read, and what it is read with.
+struct LogMailFileParser::Leitura {
+    LeitorLinhas leitor;
+    LeitorDeCabecas cabecas;
+    char linha[maior_linha + 1];
+    char* campos[maior_linha + 1];
+    bool usual;  // `cabeca` holds
+    Cabeca cabeca;
+
+    bool proxima();
+    int divide();
+};
+
+// The rows of the hour report and the hour that the replay is in.
+class LogMailFileParser::Horas {
+  public:
+    // Appends 24 rows to `m_hour`; null for the other reports, which have no hours.
+    Horas(DList<MsgsData>* m_hour, Relogio& relogio) : relogio_(relogio) {
+        if (!m_hour) return;
+        for (MsgsData*& h : horas_) m_hour->putLast(h = new MsgsData{});
+    }
+
+    void comeca_arquivo() { agora_ = 0; }
+    void comeca_em(time_t t) {
+        if (horas_[0]) agora_ = std::max(relogio_.hora_do_dia(t), 0);
+    }
+
+    // The row of the hour at `t`; null when the local time cannot be had. When the hour changes,
+    // the row that is left takes this time as its own.
+    MsgsData* de(time_t t) {
+        const int h = relogio_.hora_do_dia(t);
+        if (h < 0) return nullptr;
+        if (h != agora_) horas_[agora_]->timestamp = t;
+        agora_ = h;
+        return horas_[h];
+    }
+
+  private:
+    Relogio& relogio_;
+    MsgsData* horas_[horas_do_dia] = {};
+    int agora_ = 0;
+};
+
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,
                                            params* p) {
     if (!files || !p) {
@@ -145,15 +188,27 @@ int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long e
     return 1;
 }
 
+// What there is to know of a line before it is split: usual lines tell it by their head.
+bool LogMailFileParser::Leitura::proxima() {
+    const char* lida;
+    const std::size_t tamanho = leitor.proxima(&lida, maior_linha);
+    std::memcpy(linha, lida, tamanho);
+    linha[tamanho] = '\0';
+    usual = cabecas.le(linha, tamanho, cabeca);
+    return tamanho != 0;
+}
+
+int LogMailFileParser::Leitura::divide() {
+    return reparte(linha, ' ', campos);
+}
+
 void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
                                params* par) {
-    const Replay::Coluna* coluna = Replay::coluna(type);
-    MsgsData* horas[horas_do_dia] = {};
-    if (type == MSGS_PER_HOUR)
-        for (MsgsData*& h : horas) par->m_hour->putLast(h = new MsgsData{});
-
     relogio_.comeca();
-    LeitorLinhas leitor;
+    Leitura l;
+    Horas horas(type == MSGS_PER_HOUR ? par->m_hour : nullptr, relogio_);
+    Crivo crivo(type == MSGTRACE ? par->msg_id : "", end);
+    const Replay::Coluna* coluna = Replay::coluna(type);
     bool iniciado = false;
     while (dias.proximo()) {
         const Stream f = dias.abre();
@@ -161,54 +216,43 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
             traco("LogMailFileParser::parse_compact_file : Erro ao abrir %s\r\n", dias.path());
             continue;
         }
-        leitor.abre(fileno(f.get()));
-        int hora = 0;
-        char linha[maior_linha + 1];
-        char* campos[maior_linha + 1];
-        const char* lida;
-        while (const std::size_t tamanho = leitor.proxima(&lida, maior_linha)) {
-            std::memcpy(linha, lida, tamanho);
-            linha[tamanho] = '\0';
+        l.leitor.abre(fileno(f.get()));
+        horas.comeca_arquivo();
+        for (;;) {
+            if (iniciado && type == MSGTRACE) passa_por_cima(l.leitor, crivo, *par->m);
+            if (!l.proxima()) break;
             if (!iniciado) {
-                const long t = strhex_to_time(linha);
+                const long t = l.usual ? l.cabeca.t : strhex_to_time(l.linha);
                 if (t < start) continue;
                 iniciado = true;
-                hora = std::max(relogio_.hora_do_dia(t), 0);
+                horas.comeca_em(t);
             }
-            const int n = reparte(linha, ' ', campos);
-            Lido e{n > 0 ? strhex_to_time(campos[0]) : 0, campos, n, par, nullptr};
+            Lido e{0, l.campos, -1, par, nullptr};
+            if (!l.usual) e.n = l.divide();
+            e.t = l.usual ? l.cabeca.t : e.n > 0 ? strhex_to_time(l.campos[0]) : 0;
             if (e.t > end) {
                 iniciado = false;
                 break;
             }
-            if (type == MSGS_PER_HOUR) {
-                const int agora = relogio_.hora_do_dia(e.t);
-                if (agora < 0) continue;
-                if (agora != hora) horas[hora]->timestamp = e.t;
-                hora = agora;
-                e.hora = horas[hora];
-            }
-            const int status = n > 2 ? decimal32(campos[2]) : 0;
-            if (coluna && status > 0 && status <= SPAM)
-                (*coluna)[static_cast<std::size_t>(status)](*this, e);
+            if (type == MSGS_PER_HOUR && !(e.hora = horas.de(e.t))) continue;
+            const int status = l.usual ? l.cabeca.status : e.n > 2 ? decimal32(l.campos[2]) : 0;
+            if (!coluna || status < 0 || status > SPAM) continue;
+            const Replay::Acao acao = (*coluna)[static_cast<std::size_t>(status)];
+            if (acao == Replay::nada) continue;
+            if (l.usual) e.n = l.divide();
+            acao(*this, e);
         }
     }
     relogio_.termina();
 }
 
-// A new working record for an id. An older one of the same id would never answer again: it goes.
-Msg* LogMailFileParser::trabalho_novo(const char* id, long t) {
-    Msg* m = new Msg(id, t);
-    if (Msg* velho = procurar_msg(&trabalho_, m->id)) {
-        trabalho_.remove(velho);
-        delete velho;
-    }
-    trabalho_.putFirst(m);
-    return m;
-}
-
-// The working record of an id, or a new one.
-Msg* LogMailFileParser::trabalho(const char* id, long t) {
-    Msg* m = procurar_msg(&trabalho_, id);
-    return m ? m : trabalho_novo(id, t);
+// Lets the sieve drop what cannot matter to the traced message as it stands now.
+void LogMailFileParser::passa_por_cima(LeitorLinhas& leitor, Crivo& crivo, const Msg& m) {
+    const bool erros = m.error_list.first() != nullptr;
+    bool recusado = false;
+    for (const RCPTO* r = m.recipients.first(); r && !recusado; r = r->next) recusado = r->error;
+    crivo.define(erros, !m.error && !m.fatal_error && (erros || recusado));
+    std::size_t quantos;
+    const char* lidos = leitor.lidos(quantos);
+    leitor.pula(crivo.sobra(lidos, quantos, maior_linha));
 }

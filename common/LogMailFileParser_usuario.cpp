@@ -119,7 +119,7 @@ int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
         return 0;
     }
     const char* id = campos[3];
-    Msg* m = trabalho_novo(id, t);
+    Trabalho* m = trabalhos_.novo(id);
     if (n > 6) m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
     m->int_user = getUserType(campos[4]) == INTERNO;
     m->define_remetente(campos[5]);
@@ -156,11 +156,11 @@ int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsign
     const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
     if (!e_o_pedido && !(destinatarios && procurar_usuario(destinatarios, campos[4], true)))
         return 1;
-    Msg* m = procurar_msg(&trabalho_, id);
+    Trabalho* m = trabalhos_.acha(id);
     if (m) {
         if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
     } else {
-        m = trabalho_novo(id, t);
+        m = trabalhos_.novo(id);
     }
     UserMsgs* u = linha_de(msgs, id);
     if (!u) u = nova_linha(msgs, id);
@@ -176,38 +176,37 @@ int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsign
     return 1;
 }
 
-int LogMailFileParser::user_msgs_handle_END(long t, DList<UserMsgs>*, char** campos, int n) {
+int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
     if (n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    Msg* m = procurar_msg(&trabalho_, campos[3]);
+    Trabalho* m = trabalhos_.acha(campos[3]);
     if (!m) return 1;
-    m->end_time = t;
     // Not fatal counts as an error from here on: a later hour report of this object shows it.
     m->error = !m->fatal_error;
     return 1;
 }
 
-int LogMailFileParser::user_msgs_handle_VIRUS(long t, DList<UserMsgs>* msgs, char** campos, int n) {
+int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
     if (n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    trabalho(campos[3], t)->virus = true;
+    trabalhos_.acha_ou_novo(campos[3])->virus = true;
     if (UserMsgs* u = linha_de(msgs, campos[3])) u->virus = true;
     return 1;
 }
 
 // The pending errors and the refused recipients of a working record are read by nobody, so only
 // what shows is kept of them: the flags, and the row's text.
-int LogMailFileParser::user_msgs_handle_ERROR(long t, DList<UserMsgs>* msgs, char** campos, int n,
+int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
                                               ErrorType tipo) {
     if (n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
         return 0;
     }
-    Msg* m = trabalho(campos[3], t);
+    Trabalho* m = trabalhos_.acha_ou_novo(campos[3]);
     if (tipo == etHELO && n < 5) m->error = true;
     if (tipo == etSENDER) m->fatal_error = true;
     UserMsgs* u = linha_de(msgs, campos[3]);

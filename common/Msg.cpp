@@ -3,6 +3,18 @@
 
 #include <cstring>
 
+#include "common/Reserva.h"
+
+static constinit thread_local Reserva reserva(sizeof(Msg));
+
+void* Msg::operator new(std::size_t n) {
+    return reserva.nova(n);
+}
+
+void Msg::operator delete(void* p, std::size_t n) noexcept {
+    reserva.apaga(p, n);
+}
+
 ErrorInfo::ErrorInfo(ErrorType tipo, const char* texto)
     : error_type(tipo), error(copia_texto(texto)) {}
 

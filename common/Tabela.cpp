@@ -20,12 +20,17 @@ std::uint64_t mistura(std::uint64_t h, std::uint64_t palavra) {
 std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
     std::uint64_t h = semente ^ tamanho;
     std::uint64_t palavra;
-    for (; tamanho >= sizeof palavra; tamanho -= sizeof palavra, chave += sizeof palavra) {
-        std::memcpy(&palavra, chave, sizeof palavra);
-        h = mistura(h, palavra);
+    if (tamanho < sizeof palavra) {
+        palavra = 0;
+        std::memcpy(&palavra, chave, tamanho);
+    } else {
+        const char* ultima = chave + tamanho - sizeof palavra;
+        for (; chave < ultima; chave += sizeof palavra) {
+            std::memcpy(&palavra, chave, sizeof palavra);
+            h = mistura(h, palavra);
+        }
+        std::memcpy(&palavra, ultima, sizeof palavra);
     }
-    palavra = 0;
-    std::memcpy(&palavra, chave, tamanho);
     h = mistura(h, palavra);
     h = mistura(h, h >> 29);
     return static_cast<std::uint32_t>(h);

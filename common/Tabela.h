@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "common/DList.h"
+#include "common/Reserva.h"
 
 // Hash of a key's bytes. Seeded once a process: the keys come from whoever sends mail, who must not
 // be able to choose texts that all fall into one place.
@@ -89,6 +90,13 @@ class Tabela : public DList<T> {
         if (total_ != antes) reindexa();
     }
 
+    // Empties list and index without touching the elements, whose memory goes otherwise.
+    void esquece() {
+        this->head = this->tail = nullptr;
+        total_ = 0;
+        reindexa();
+    }
+
     // The first element whose key equals `procurada` byte for byte, or null.
     T* procurar(const Chave& procurada) const {
         if (!vagas_) return nullptr;
@@ -102,7 +110,7 @@ class Tabela : public DList<T> {
 
     // Hints, for lookups that come soon: fetches the place where the search for a hash begins; the
     // first element of that hash, or null, without touching it.
-    void antecipa(std::uint32_t hash) const {
+    [[gnu::always_inline]] void antecipa(std::uint32_t hash) const {
         if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
     }
     T* provavel(std::uint32_t hash) const {
@@ -121,6 +129,11 @@ class Tabela : public DList<T> {
         T* e;
         std::uint32_t hash;
     };
+    struct Devolve {
+        std::size_t quantas;
+        void operator()(Vaga* v) const { devolve_zerada(v, quantas * sizeof(Vaga)); }
+    };
+    using Vagas = std::unique_ptr<Vaga[], Devolve>;
     static constexpr std::size_t minimo_ = 64;
 
     std::size_t seguinte(std::size_t i) const { return (i + 1) & mascara_; }
@@ -159,7 +172,7 @@ class Tabela : public DList<T> {
     // Doubles the places. The walk begins behind a free one, so that no row is cut in two and equal
     // hashes keep their order.
     void cresce() {
-        const std::unique_ptr<Vaga[]> antigas = std::move(vagas_);
+        const Vagas antigas = std::move(vagas_);
         const std::size_t quantas = antigas ? mascara_ + 1 : 0;
         std::size_t livre = 0;
         while (livre < quantas && antigas[livre].e) ++livre;
@@ -181,11 +194,11 @@ class Tabela : public DList<T> {
     }
 
     void abre(std::size_t quantas) {
-        vagas_ = std::make_unique<Vaga[]>(quantas);
+        vagas_ = Vagas(static_cast<Vaga*>(toma_zerada(quantas * sizeof(Vaga))), {quantas});
         mascara_ = quantas - 1;
     }
 
-    std::unique_ptr<Vaga[]> vagas_;
+    Vagas vagas_;
     std::size_t mascara_ = 0;
     std::size_t total_ = 0;
 };

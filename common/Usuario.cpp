@@ -2,15 +2,30 @@
 #include "common/Usuario.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
+#include "common/Reserva.h"
 #include "common/Texto.h"
 
+static constinit thread_local Reserva reserva(sizeof(Usuario));
+
+void* Usuario::operator new(std::size_t n) {
+    return reserva.nova(n);
+}
+
+void Usuario::operator delete(void* p, std::size_t n) noexcept {
+    reserva.apaga(p, n);
+}
+
 Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? periodos : 24) {
-    auto bloco = std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{8} * num_periods);
-    name = copia_texto(nome);
-    bloco_ = bloco.release();
-    std::uint32_t* p = bloco_;
+    std::unique_ptr<std::uint32_t[]> grande;
+    if (num_periods > periodos_usuais_)
+        grande = std::make_unique_for_overwrite<std::uint32_t[]>(contadores_ * num_periods);
+    const std::size_t n = nome ? std::strlen(nome) + 1 : 0;
+    name = n > sizeof nome_ ? copia_texto(nome) : nome ? nome_ : nullptr;
+    if (name == nome_) std::memcpy(nome_, nome, n);
+    std::uint32_t* p = grande ? grande.release() : bloco_;
     for (std::uint32_t** contadores :
          {&sent, &recv, &bytes_sent, &bytes_recv, &virus, &spam, &error, &att_blocked}) {
         *contadores = p;
@@ -20,12 +35,12 @@ Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? p
 }
 
 Usuario::~Usuario() {
-    delete[] bloco_;
-    delete[] name;
+    if (sent != bloco_) delete[] sent;
+    if (name != nome_) delete[] name;
 }
 
 void Usuario::reset_vars() {
-    std::fill_n(bloco_, std::size_t{8} * num_periods, 0u);
+    std::fill_n(sent, contadores_ * num_periods, 0u);
     msgs_reference = 0;
 }
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "misc/marcas.h"
+#include "misc/palavras.h"
 
 namespace {
 
@@ -49,43 +49,32 @@ char minuscula(char c) {
 }  // namespace
 
 int getTokens(char* line, char** tokens, int max) {
-    return getTokens(line, line + std::strlen(line), tokens, max);
-}
-
-int getTokens(char* line, char* fim, char** tokens, int max) {
-    Marcas marcas(line, fim);
-    int n = 0;
-    char* p = line;
-    while (n < max) {
-        p = marcas.a_partir(p);
-        if (*p != ' ') break;
-        *p++ = '\0';
-        while (*p == ' ') ++p;
-        if (*p == '\n' || *p == '\0') break;
-        tokens[n++] = p++;
-    }
-    *p = '\0';
+    int n = -1;
+    const std::size_t fim =
+        percorre_palavras(line, std::strlen(line), max, [&](std::size_t inicio, std::size_t fim) {
+            line[fim] = '\0';
+            if (n >= 0) tokens[n] = line + inicio;
+            ++n;
+        });
+    line[fim] = '\0';
     return n;
 }
 
 int reparte(char* str, char sep, char** pedacos) {
-    const std::size_t tamanho = std::strlen(str);
-    int total = 0;
-    for (std::size_t i = 0; i < tamanho; ++i) {
-        if (total == 0 && str[i] != ' ') total = 1;
-        if (str[i] == sep) {
-            str[i] = '\0';
-            ++total;
-        }
+    char* const fim = str + std::strlen(str);
+    // A text of blanks only has no first piece; nor has, with the blank as separator, one that
+    // begins with it: its last piece is lost for that.
+    const bool primeiro =
+        sep == ' ' ? str != fim && *str != ' ' : str[std::strspn(str, " ")] != '\0';
+    int separadores = 0;
+    pedacos[0] = str;
+    for (char* p = str;
+         (p = static_cast<char*>(std::memchr(p, sep, static_cast<std::size_t>(fim - p)))); ++p) {
+        *p = '\0';
+        pedacos[++separadores] = p + 1;
     }
-    if (tamanho && str[tamanho - 1] == '\n') str[tamanho - 1] = '\0';
-    if (total == 0) return 0;
-
-    int usados = 0;
-    pedacos[usados++] = str;
-    for (std::size_t i = 0; i < tamanho && usados < total; ++i)
-        if (str[i] == '\0') pedacos[usados++] = str + i + 1;
-    return total;
+    if (str != fim && fim[-1] == '\n') fim[-1] = '\0';
+    return separadores + primeiro;
 }
 
 char** explode(char* str, char sep, int* count) {
@@ -106,7 +95,7 @@ Agent getAgent(const char* word) {
     if (!word) return AGENT_UNKNOWN;
     switch (word[0]) {
         case 'M':
-            if (strnlen(word, 5) < 5) return AGENT_UNKNOWN;
+            if (!word[1] || !word[2] || !word[3]) return AGENT_UNKNOWN;
             return word[4] == 'Q' ? MAILQ : word[4] == 'S' ? MAILSMTP : AGENT_UNKNOWN;
         case 'P':
             return POPSRV;

@@ -69,8 +69,6 @@ enum UserType : std::int32_t {
 // a word to skip. A CR behind a blank is a word. The line ends where the scan stopped, so the word
 // that reaches `max` is cut to its first character: ask for one more than needed.
 int getTokens(char* line, char** tokens, int max);
-// The same for a line whose NUL is known to stand at `fim`.
-int getTokens(char* line, char* fim, char** tokens, int max);
 
 // Cuts `str` in place at each `sep` and answers its pieces, ended by a null, as a new array (the
 // caller deletes the array, not the pieces); null, and `count` untouched, for an empty or blank

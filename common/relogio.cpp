@@ -1,13 +1,9 @@
 // Local time: from a log line's stamp to Unix seconds.
 #include "common/relogio.h"
 
-#include <cstring>
-
 #include "misc/numero.h"
 
 namespace {
-
-constexpr std::size_t tamanho = 24;  // of a stamp
 
 // 0 (January) to 11 from the letters at columns 4 to 6, by the letters that tell months apart.
 int mes(const char* t) {
@@ -57,15 +53,17 @@ void Relogio::comeca() {
     guarda_ = true;
     cheio_ = false;
     hora_do_quarto_ = -1;
+    ultimo_[0] = '\0';
+    ultima_hora_ = 0;
 }
 
 time_t Relogio::do_registro(const char* t) {
-    if (strnlen(t, tamanho) < tamanho) return 0;
+    if (strnlen(t, carimbo) < carimbo) return 0;
     const bool regular = dupla(t + 11) && dupla(t + 14) && dupla(t + 17) && digito(t[9]) &&
                          (digito(t[8]) || t[8] == ' ') && !digito(t[10]);
     if (cheio_ && regular && t[14] < '6' && t[17] < '6' && std::memcmp(hora_, t + 4, 9) == 0 &&
         std::memcmp(hora_ + 9, t + 20, 4) == 0)
-        return inicio_ + valor(t + 14) * 60 + valor(t + 17);
+        return lembra(t, inicio_ + valor(t + 14) * 60 + valor(t + 17));
 
     struct tm tm = {};
     tm.tm_mon = mes(t);
@@ -81,7 +79,13 @@ time_t Relogio::do_registro(const char* t) {
     if (!guarda_ || !regular) return mktime(&tm);
     std::memcpy(hora_, t + 4, 9);
     std::memcpy(hora_ + 9, t + 20, 4);
-    return da_hora(tm);
+    return lembra(t, da_hora(tm));
+}
+
+// Keeps the answer for a stamp of which nothing behind its 24 bytes was read.
+time_t Relogio::lembra(const char* t, time_t hora) {
+    std::memcpy(ultimo_, t, carimbo);
+    return ultima_hora_ = hora;
 }
 
 // Converts `tm` and keeps its hour if the clock ran straight through it.

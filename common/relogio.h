@@ -1,6 +1,8 @@
 // Local time: from a log line's stamp to Unix seconds, and from those to the hour of the day.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <ctime>
 
 // The conversions of one consolidation or report. Between comeca() and termina() the last one is
@@ -21,8 +23,17 @@ class Relogio {
     // The hour of the day (0 to 23) at `t`, local time; -1 when it cannot be had.
     int hora_do_dia(time_t t);
 
+    // The same for a text in a buffer that holds at least `carimbo` bytes. Of the lines of a busy
+    // log most are of the same second as the one before: then nothing is converted at all.
+    time_t da_linha(const char* linha) {
+        const bool mesma = guarda_ && std::memcmp(linha, ultimo_, carimbo) == 0;
+        return mesma ? ultima_hora_ : do_registro(linha);
+    }
+    static constexpr std::size_t carimbo = 24;  // bytes of a stamp
+
   private:
     time_t da_hora(const struct tm& tm);
+    time_t lembra(const char* t, time_t hora);
 
     bool guarda_ = false;  // keeping is allowed
     bool cheio_ = false;   // hora_ and inicio_ hold
@@ -32,6 +43,9 @@ class Relogio {
     // Zones shift at quarter hours of UTC: within one the hour of the day is the same.
     time_t quarto_ = 0;
     int hora_do_quarto_ = -1;  // negative: nothing is kept
+
+    char ultimo_[carimbo] = {};  // the last regular stamp, and its time
+    time_t ultima_hora_ = 0;
 };
 
 // Midnight at the start of the local day that holds `t`.

@@ -5,7 +5,7 @@
 declare(strict_types=1);
 
 require __DIR__ . '/tabela.php';
-require __DIR__ . '/estatistica.php';
+require __DIR__ . '/relatorios.php';
 
 function titulo(string $texto): void
 {
@@ -42,22 +42,21 @@ function mostra_arquivos(string $raiz, array $paths): int
     return $total[0];
 }
 
-function mostra_totais(array $dias): void
+function mostra_totais(Relatorios $r): void
 {
-    $colunas = ['internas', 'bytes_internas', 'externas', 'bytes_externas', 'spam', 'virus', 'erro',
-        'anexos'];
-    $celulas = [];
-    $soma = array_fill_keys($colunas, 0);
+    $colunas = ['msgs_int', 'bytes_int', 'msgs_ext', 'bytes_ext', 'spam', 'virus', 'error',
+        'att_blocked'];
     $formata = fn(string $rotulo, array $totais) => [$rotulo, ...array_map(
         fn(string $c) => str_starts_with($c, 'bytes') ? tamanho($totais[$c]) : numero($totais[$c]),
         $colunas
     )];
-    foreach ($dias as $data => $path) {
-        $totais = le_totais($path);
+    $celulas = [];
+    $soma = array_fill_keys($colunas, 0);
+    foreach ($r->totais() as $dia) {
+        $celulas[] = $formata($r->data($dia['timestamp']), $dia);
         foreach ($colunas as $c) {
-            $soma[$c] += $totais[$c];
+            $soma[$c] += $dia[$c];
         }
-        $celulas[] = $formata(implode('/', array_reverse(explode('-', $data))), $totais);
     }
     array_push($celulas, null, $formata('Total', $soma));
     echo tabela('<>>>>>>>>', ['Dia', 'Internas', 'Tamanho', 'Externas', 'Tamanho', 'Spam', 'Vírus',
@@ -65,23 +64,92 @@ function mostra_totais(array $dias): void
     echo "\n  Internas e externas: mensagens cujo remetente é ou não é usuário local.\n";
 }
 
-function mostra_usuarios(array $dias, int $quantos): void
+// The local sender with the most messages.
+function quem_mais_enviou(Relatorios $r): string
 {
-    $usuarios = [];
-    foreach ($dias as $path) {
-        soma_usuarios($path, $usuarios);
-    }
-    $movimento = fn(array $u) => $u['enviadas'] + $u['recebidas'];
-    uasort($usuarios, fn(array $a, array $b) => $movimento($b) <=> $movimento($a));
+    $internas = array_filter($r->mensagens(), fn(array $m) => $m['interna'] === 1);
+    $remetentes = array_count_values(array_column($internas, 'msg_sendername'));
+    arsort($remetentes);
+    return (string) array_key_first($remetentes);
+}
+
+function mostra_dias(Relatorios $r, string $usuario): void
+{
     $celulas = [];
-    foreach (array_slice($usuarios, 0, $quantos) as $nome => $u) {
-        $celulas[] = [(string) $nome, numero($u['enviadas']), tamanho($u['bytes_enviados']),
-            numero($u['recebidas']), tamanho($u['bytes_recebidos']), numero($u['spam']),
-            numero($u['erro'])];
+    foreach ($r->dias([$usuario])[$usuario] as $dia) {
+        // Of a user, "ext" is what he sent, "int" what he received; spam and error are crossed.
+        $celulas[] = [$r->data($dia['timestamp']), numero($dia['msgs_ext']),
+            tamanho($dia['bytes_ext']), numero($dia['msgs_int']), tamanho($dia['bytes_int']),
+            numero($dia['error']), numero($dia['virus']), numero($dia['spam'])];
     }
-    echo tabela('<>>>>>>', ['Usuário', 'Enviadas', 'Tamanho', 'Recebidas', 'Tamanho', 'Spam',
+    echo tabela('<>>>>>>>', ['Dia', 'Enviadas', 'Tamanho', 'Recebidas', 'Tamanho', 'Spam', 'Vírus',
         'Erros'], $celulas);
-    echo "\n  " . numero(count($usuarios)) . " usuários e correspondentes apareceram no período.\n";
+}
+
+function mostra_horas(Relatorios $r): void
+{
+    $horas = $r->horas();
+    $movimento = array_map(fn(array $h) => $h['msgs_int'] + $h['msgs_ext'], $horas);
+    $celulas = [];
+    foreach ($horas as $i => $h) {
+        $celulas[] = [sprintf('%02dh', $i), numero($h['msgs_int']), numero($h['msgs_ext']),
+            numero($h['spam']), numero($h['virus']), numero($h['error']),
+            barra($movimento[$i], max(1, ...$movimento), 40)];
+    }
+    echo tabela('<>>>>><', ['Hora', 'Internas', 'Externas', 'Spam', 'Vírus', 'Com erro',
+        'Internas e externas'], $celulas);
+    echo "\n  Spam e vírus contam no veredito, e outra vez quando a mensagem termina.\n";
+}
+
+function estado(array $m): string
+{
+    return $m['virus'] ? 'vírus' : ($m['error'] || $m['fatal_error'] ? 'com erro' : 'sem erro');
+}
+
+function mostra_mensagens(Relatorios $r, array $mensagens): void
+{
+    $celulas = [];
+    foreach ($mensagens as $m) {
+        $celulas[] = [$r->quando($m['msg_time']), $m['enviada'] ? 'enviada' : 'recebida',
+            utf8($m['msg_sendername']), tamanho($m['msg_size']), estado($m), utf8($m['msg_id'])];
+    }
+    echo tabela('<<<><<', ['Quando', 'Sentido', 'Remetente', 'Tamanho', 'Estado', 'Mensagem'], $celulas);
+}
+
+// Of these messages, the history of the latest one that a recipient refused and others accepted; of
+// the latest one if there is none among them.
+function rastro_a_mostrar(Relatorios $r, array $mensagens): array
+{
+    $com_erro = array_filter($mensagens, fn(array $m) => $m['error'] === 1);
+    foreach (array_slice(array_reverse($com_erro), 0, 40) as $m) {
+        $rastro = $r->rastro($m['msg_id']);
+        $recusas = array_column($rastro['destinatarios'], 'error');
+        if (in_array(1, $recusas, true) && in_array(0, $recusas, true)) {
+            return $rastro;
+        }
+    }
+    return $r->rastro(end($mensagens)['msg_id']);
+}
+
+function mostra_rastro(Relatorios $r, array $m): void
+{
+    $encerrada = $m['msg_end_time'] ? $r->quando($m['msg_end_time']) : 'ainda não';
+    $campos = ['Mensagem' => utf8($m['msg_id']), 'Remetente' => utf8($m['msg_sendername']),
+        'Tamanho' => tamanho($m['msg_size']), 'Submetida' => $r->quando($m['msg_time']),
+        'Encerrada' => $encerrada, 'Estado' => estado($m)];
+    foreach ($campos as $rotulo => $valor) {
+        printf("  %-9s  %s\n", $rotulo, $valor);
+    }
+    foreach (array_filter(explode("\n", utf8($m['str_error']))) as $frase) {
+        echo "  $frase\n";
+    }
+    echo "\n";
+    $celulas = [];
+    foreach ($m['destinatarios'] as $d) {
+        $celulas[] = [utf8($d['recipient_name']), $r->quando($d['recipient_time']),
+            utf8($d['recipient_status_msg'])];
+    }
+    echo tabela('<<<', ['Destinatário', 'Quando', 'O que aconteceu'], $celulas);
 }
 
 $raiz = rtrim($argv[1] ?? para('demo.php DIRETORIO'), '/');
@@ -103,8 +171,8 @@ if (!$mrel->setLogDir("$raiz/logs") || !$mrel->setDataDir("$raiz/dat")) {
 $inicio = hrtime(true);
 $mrel->consolidate("$raiz/ultima_consolidacao");
 $segundos = (hrtime(true) - $inicio) / 1e9;
-$dias = dias("$raiz/dat");
-$dias || para('A consolidação não escreveu nada. Outro processo consolida agora?');
+$relatorios = Relatorios::de("$raiz/dat")
+    ?? para('A consolidação não escreveu nada. Outro processo consolida agora?');
 echo 'pronto em ' . numero($segundos, 2) . ' s (' . numero($linhas / $segundos)
     . " linhas por segundo).\n";
 
@@ -112,9 +180,21 @@ titulo('3. O que foi escrito: por dia, os eventos e a estatística');
 mostra_arquivos($raiz, [...glob("$raiz/dat/rels_*/*.txt"), "$raiz/ultima_consolidacao"]);
 
 titulo('4. Totais por dia');
-mostra_totais($dias);
+mostra_totais($relatorios);
 
-titulo('5. Os usuários mais ativos do período');
-mostra_usuarios($dias, 10);
+$usuario = quem_mais_enviou($relatorios);
+titulo('5. Dia a dia de quem mais enviou: ' . utf8($usuario));
+mostra_dias($relatorios, $usuario);
+
+titulo('6. Hora a hora, os três dias juntos');
+mostra_horas($relatorios);
+
+$mensagens = $relatorios->mensagens($usuario, $usuario) ?: para('Nenhuma mensagem.');
+usort($mensagens, fn(array $a, array $b) => $a['msg_time'] <=> $b['msg_time']);
+titulo('7. As dez últimas mensagens de ' . utf8($usuario));
+mostra_mensagens($relatorios, array_slice($mensagens, -10));
+
+titulo('8. A história de uma mensagem');
+mostra_rastro($relatorios, rastro_a_mostrar($relatorios, $mensagens));
 
 echo "\nTudo ficou em $raiz.\n";

@@ -37,6 +37,13 @@ function tamanho(int|float $bytes): string
     return numero($bytes, 1) . ' ' . $unidades[$i];
 }
 
+// A bar of up to `$colunas` columns for `$n` of `$maior`, in steps of half a column.
+function barra(int $n, int $maior, int $colunas): string
+{
+    $metades = (int) round($n * $colunas * 2 / $maior);
+    return str_repeat('━', intdiv($metades, 2)) . ($metades % 2 ? '╸' : '');
+}
+
 // The rows under their titles. `$alinhamento` has one character a column: "<" left, ">" right. A
 // null in place of a row draws a line, as before a row of totals.
 function tabela(string $alinhamento, array $titulos, array $linhas): string

@@ -33,6 +33,13 @@ class LeitorLinhas {
     // Answers how many (0: as proxima() answers 0). All hold until the next call.
     std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
 
+    // The bytes that are read and not yet handed out, and passing over the first of them.
+    const char* lidos(std::size_t& quantos) const {
+        quantos = fim_ - inicio_;
+        return memoria_.get() + inicio_;
+    }
+    void pula(std::size_t quantos) { inicio_ += quantos; }
+
   private:
     bool enche();
     std::size_t completa(std::size_t visto, std::size_t limite) const;

@@ -21,14 +21,19 @@ class Linha {
                 return *this;
             }
         }
-        std::memcpy(buffer_ + usado_, t, n);
+        copia(buffer_ + usado_, t, n);
         usado_ += n;
         return *this;
     }
     Linha& texto(const char* t) { return texto(t, std::strlen(t)); }
-    Linha& letra(char c) { return texto(&c, 1); }
+    Linha& letra(char c) {
+        if (usado_ == sizeof buffer_) termina();
+        buffer_[usado_++] = c;
+        return *this;
+    }
 
     Linha& numero(std::int64_t v, int base = 10) {
+        if (v >= 0 && v < 10) return letra(static_cast<char>('0' + v));
         char d[24];
         return texto(d, static_cast<std::size_t>(std::to_chars(d, d + sizeof d, v, base).ptr - d));
     }
@@ -39,6 +44,24 @@ class Linha {
     }
 
   private:
+    // Nearly all fields are of these lengths; two moves that may overlap are less than a call.
+    static void copia(char* para, const char* de, std::size_t n) {
+        if (n >= 8 && n <= 16)
+            copia_pontas<8>(para, de, n);
+        else if (n > 16 && n <= 32)
+            copia_pontas<16>(para, de, n);
+        else
+            std::memcpy(para, de, n);
+    }
+    template <std::size_t k>
+    static void copia_pontas(char* para, const char* de, std::size_t n) {
+        char inicio[k], fim[k];
+        std::memcpy(inicio, de, k);
+        std::memcpy(fim, de + n - k, k);
+        std::memcpy(para, inicio, k);
+        std::memcpy(para + n - k, fim, k);
+    }
+
     std::FILE* stream_;
     std::size_t usado_ = 0;
     char buffer_[1024];

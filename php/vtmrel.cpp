@@ -32,8 +32,5 @@ zend_module_entry vt_mrel_module_entry = {
 };
 
 extern "C" {
-#ifdef ZTS
-ZEND_TSRMLS_CACHE_DEFINE()
-#endif
 ZEND_GET_MODULE(vt_mrel)
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "common/LogMailFileParser.h"
-#include "misc/marcas.h"
+#include "misc/palavras.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 
 #include "common/relogio.h"
@@ -83,7 +84,13 @@ TEST(Relogio, stamps) {
     };
     for (const bool guardando : {false, true}) {
         if (guardando) r.comeca();
-        for (const auto& [stamp, t] : casos) EXPECT_EQ(r.do_registro(stamp), t) << stamp;
+        for (const auto& [stamp, t] : casos) {
+            EXPECT_EQ(r.do_registro(stamp), t) << stamp;
+            char linha[64] = {};
+            std::strcpy(linha, stamp);
+            EXPECT_EQ(r.da_linha(linha), t) << stamp;
+            EXPECT_EQ(r.da_linha(linha), t) << stamp;  // now remembered, if it may be
+        }
     }
 }
 
@@ -96,7 +103,9 @@ TEST(Relogio, guardarAHoraNaoMudaNada) {
         for (time_t t = 1514764800; t < 1514764800 + 366 * 86400; t += 419) {
             char stamp[32];
             ctime_r(&t, stamp);
-            ASSERT_EQ(guarda.do_registro(stamp), direto.do_registro(stamp)) << tz << " " << stamp;
+            const time_t esperado = direto.do_registro(stamp);
+            ASSERT_EQ(guarda.do_registro(stamp), esperado) << tz << " " << stamp;
+            ASSERT_EQ(guarda.da_linha(stamp), esperado) << tz << " " << stamp;
         }
     }
 }

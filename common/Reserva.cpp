@@ -1,0 +1,96 @@
+// Memory for the records of one kind.
+#include "common/Reserva.h"
+
+#include <sys/mman.h>
+
+#include <cstdlib>
+#include <new>
+
+// Stands at the start of its block; blocks are aligned to their size, so a place finds its own.
+struct alignas(64) Reserva::Bloco {
+    Bloco *antes, *depois;  // in the list of those with a free place
+    Livre* livres;          // places given back
+    char* intocado;         // from here on nothing was handed out yet
+    std::size_t tomados;
+
+    bool cheio(std::size_t tamanho) const {
+        return !livres && intocado + tamanho > reinterpret_cast<const char*>(this) + bloco;
+    }
+};
+
+namespace {
+
+// A multiple of the block's size, aligned to it.
+char* mapeia(std::size_t n, bool paginas_grandes) {
+    // One block more holds an aligned part; what stands before and behind it is given back.
+    constexpr std::size_t bloco = Reserva::bloco;
+    void* mapa =
+        mmap(nullptr, n + bloco, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapa == MAP_FAILED) throw std::bad_alloc();
+    const auto inicio = reinterpret_cast<std::uintptr_t>(mapa);
+    const std::size_t antes = (bloco - inicio % bloco) % bloco;
+    char* alinhado = static_cast<char*>(mapa) + antes;
+    if (antes != 0) munmap(mapa, antes);
+    munmap(alinhado + n, bloco - antes);
+    if (paginas_grandes) madvise(alinhado, n, MADV_HUGEPAGE);
+    return alinhado;
+}
+
+}  // namespace
+
+void* toma_zerada(std::size_t n) {
+    if (n % Reserva::bloco == 0) return mapeia(n, true);
+    if (void* p = std::calloc(n, 1)) return p;
+    throw std::bad_alloc();
+}
+
+void devolve_zerada(void* p, std::size_t n) noexcept {
+    n % Reserva::bloco == 0 ? static_cast<void>(munmap(p, n)) : std::free(p);
+}
+
+void* Reserva::toma() {
+    Bloco* b = com_lugar_ ? com_lugar_ : abre();
+    void* lugar = b->livres;
+    if (lugar) {
+        b->livres = b->livres->proximo;
+    } else {
+        lugar = b->intocado;
+        b->intocado += tamanho_;
+    }
+    ++b->tomados;
+    if (b->cheio(tamanho_)) tira(b);
+    return lugar;
+}
+
+void Reserva::devolve(void* lugar) noexcept {
+    if (!lugar) return;
+    const auto endereco = reinterpret_cast<std::uintptr_t>(lugar);
+    Bloco* b = reinterpret_cast<Bloco*>(endereco & ~(std::uintptr_t{bloco} - 1));
+    if (b->cheio(tamanho_)) poe(b);
+    b->livres = new (lugar) Livre{b->livres};
+    if (--b->tomados != 0) return;
+    tira(b);
+    munmap(b, bloco);
+    --blocos_;
+}
+
+Reserva::Bloco* Reserva::abre() {
+    char* b = mapeia(bloco, blocos_ != 0);
+    ++blocos_;
+    Bloco* novo = new (b) Bloco{};
+    novo->intocado = b + sizeof(Bloco);
+    poe(novo);
+    return novo;
+}
+
+void Reserva::tira(Bloco* b) {
+    (b->antes ? b->antes->depois : com_lugar_) = b->depois;
+    if (b->depois) b->depois->antes = b->antes;
+}
+
+void Reserva::poe(Bloco* b) {
+    b->antes = nullptr;
+    b->depois = com_lugar_;
+    if (com_lugar_) com_lugar_->antes = b;
+    com_lugar_ = b;
+}

@@ -1,0 +1,86 @@
+// Reading compact lines fast: the head of a usual line, and the lines that cannot matter to a
+// trace.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+
+#include "misc/finais.h"
+
+// The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
+// agent's digit, one or two digits of status, each followed by one blank. Such a line has at least
+// four fields. Any other line must be split and read field by field.
+struct Cabeca {
+    time_t t;        // field 0, Unix seconds
+    int status;      // field 2
+    std::size_t id;  // where field 3 begins
+};
+
+// The first eight bytes of a text that has as many.
+inline std::uint64_t oito_bytes(const char* p) {
+    std::uint64_t v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// Reads heads one after the other; of lines of the same second the time is converted once.
+class LeitorDeCabecas {
+  public:
+    // Shorter lines are not looked at: none that was ever written is.
+    static constexpr std::size_t menor = 16;
+
+    // False when the line of `n` bytes is not a usual one.
+    bool le(const char* linha, std::size_t n, Cabeca& c) {
+        if (n < menor || linha[8] != ' ' || linha[10] != ' ' || !digito(linha[9]) ||
+            !digito(linha[11]))
+            return false;
+        const bool curto = linha[12] == ' ';
+        if (!curto && (!digito(linha[12]) || linha[13] != ' ')) return false;
+        c.status = linha[11] - '0';
+        if (!curto) c.status = c.status * 10 + linha[12] - '0';
+        c.id = curto ? 13 : 14;
+        if (oito_bytes(linha) != digitos_ && !converte(linha)) return false;
+        c.t = t_;
+        return true;
+    }
+
+  private:
+    static bool digito(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
+    bool converte(const char* digitos);
+
+    std::uint64_t digitos_ = 0;  // the last field 0 converted, and its time
+    time_t t_ = 0;
+};
+
+// Which lines may be passed over in a trace. To the traced message matter its own lines; those
+// after the end of the range, since they stop the file; those with fewer than four fields, which
+// hit whatever message is traced; and, while it has something pending, the OK or END of any
+// message.
+class Crivo {
+  public:
+    // `id` and `fim` (the last second of the range) must outlive the sieve.
+    Crivo(const char* id, time_t fim);
+
+    // What is pending: OK and END lines of other messages must be seen, or need not.
+    void define(bool ve_ok, bool ve_end) {
+        ve_ok_ = ve_ok;
+        ve_end_ = ve_end;
+    }
+
+    // Bytes of whole lines at the start of [p, p + n) that do not matter; none is longer than
+    // `maior_linha`.
+    std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
+
+  private:
+    bool importa(const char* linha, std::size_t n);
+
+    const char* id_;
+    std::size_t tamanho_do_id_;
+    std::uint64_t inicio_do_id_ = 0;  // its first eight bytes, when it has as many
+    time_t fim_;
+    bool ve_ok_ = false, ve_end_ = false;
+    LeitorDeCabecas cabecas_;
+    FinaisDeLinha finais_;
+};
