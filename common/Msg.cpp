@@ -29,13 +29,17 @@ Msg::~Msg() {
         delete e;
     }
     while (error_list.first()) remove_error(error_list.first());
-    delete[] sendername;
+    if (sendername != remetente_.texto()) delete[] sendername;
 }
 
 void Msg::define_remetente(const char* nome) {
-    char* novo = copia_texto(nome);
-    delete[] sendername;
-    sendername = novo;
+    define_remetente(nome ? TextoPartilhado(nome, std::strlen(nome)) : TextoPartilhado());
+}
+
+void Msg::define_remetente(TextoPartilhado nome) {
+    if (sendername != remetente_.texto()) delete[] sendername;
+    remetente_ = std::move(nome);
+    sendername = remetente_.texto();
 }
 
 RCPTO* Msg::addRecipient(const char* nome) {
