@@ -357,7 +357,7 @@ TEST(Relatorios, mensagensEventos) {
 +|10 2 13 A => +E A mensagem foi rejeitada por ser muito grande./
 +|10 2 17 A => +E Remetente temporiariamente indispon=EDvel./
 # Submitted again: a row more, which takes the events.
-+|10 1 1 A POP eva 7|10 2 8 A => A eva 7 15 10:00:00 S E Erro no sender!/+ /
++|10 1 1 A POP eva|10 2 8 A => A eva 0 15 10:00:00 S E Erro no sender!/+ /
 9 1 1 <L>xx INTERNO a 1|9 2 8 <L>xx => <L> a 1 15 09:00:00 S I /
 )");
     const std::string L = "0123456789abcdefghijklm";
