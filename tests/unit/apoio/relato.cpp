@@ -1,6 +1,7 @@
 // Hand-written day files, the reports over them, and their rows as text.
 #include "tests/unit/apoio/relato.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace {
@@ -10,26 +11,6 @@ std::string nome(const std::string& dia, const char* prefixo) {
            dia.substr(8, 2) + ".txt";
 }
 
-std::string contadores(const MsgsData& d) {
-    std::string s;
-    for (const std::uint32_t v : {d.msgs_int, d.msgs_ext, d.bytes_int, d.bytes_ext, d.virus, d.spam,
-                                  d.error, d.att_blocked})
-        s += " " + std::to_string(v);
-    return s;
-}
-
-template <class R>
-std::string marcas(const R& r) {
-    return std::string(r.int_user ? "I" : "") + (r.virus ? "V" : "") + (r.spam ? "S" : "") +
-           (r.error ? "E" : "");
-}
-
-std::string ou_traco(const char* texto) {
-    return texto ? texto : "-";
-}
-
-}  // namespace
-
 std::string instante(time_t t) {
     if (t == 0) return "-";
     struct tm tm;
@@ -38,10 +19,45 @@ std::string instante(time_t t) {
     return s;
 }
 
+std::string texto(const MsgsData& d) {
+    std::string s = instante(d.timestamp) + ":";
+    for (const std::uint32_t v : {d.msgs_int, d.msgs_ext, d.bytes_int, d.bytes_ext, d.virus, d.spam,
+                                  d.error, d.att_blocked})
+        s += " " + std::to_string(v);
+    return s + "/";
+}
+
+// What a message and its row have in common: sender, size, start; flags.
+template <class M>
+std::string quem(const M& m) {
+    return (m.sendername ? m.sendername : "-") + (" " + std::to_string(m.size)) + " " +
+           instante(m.start_time);
+}
+template <class M>
+std::string marcas(const M& m) {
+    return std::string(m.int_user ? " I" : " ") + (m.virus ? "V" : "") + (m.spam ? "S" : "") +
+           (m.error ? "E" : "");
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> casos(const char* tabela) {
+    std::vector<std::pair<std::string, std::string>> todos;
+    std::istringstream linhas(tabela);
+    for (std::string l; std::getline(linhas, l);) {
+        const std::size_t seta = l.find(" =>");
+        if (l[0] == '#' || seta == std::string::npos) continue;
+        for (std::size_t i = 0; (i = l.find('=', i)) != std::string::npos; ++i)
+            if (l[i + 1] != '>')
+                l.replace(i, 3, 1, static_cast<char>(std::stoi(l.substr(i + 1, 2), nullptr, 16)));
+        todos.emplace_back(l.substr(0, seta), l.substr(std::min(seta + 4, l.size())));
+    }
+    return todos;
+}
+
 std::string texto(const DList<MsgsData>& linhas) {
     std::string s;
-    for (const MsgsData* d = linhas.first(); d; d = d->next)
-        s += instante(d->timestamp) + ":" + contadores(*d) + "\n";
+    for (const MsgsData* d = linhas.first(); d; d = d->next) s += texto(*d);
     return s;
 }
 
@@ -49,35 +65,32 @@ std::string texto_horas(const DList<MsgsData>& linhas) {
     std::string s;
     int n = 0;
     for (const MsgsData* d = linhas.first(); d; d = d->next, ++n)
-        if (d->timestamp || contadores(*d) != " 0 0 0 0 0 0 0 0")
-            s += std::to_string(n) + "h " + instante(d->timestamp) + ":" + contadores(*d) + "\n";
-    return s + std::to_string(n) + " rows\n";
+        if (const std::string t = texto(*d); t != "-: 0 0 0 0 0 0 0 0/")
+            s += std::to_string(n) + "h " + t;
+    return s + std::to_string(n);
 }
 
 std::string texto(const DList<MsgsDayUser>& usuarios) {
     std::string s;
     for (const MsgsDayUser* u = usuarios.first(); u; u = u->next)
-        s += std::string(u->username) + ":\n" + texto(u->m_day);
+        s += std::string(u->username) + ":/" + texto(u->m_day);
     return s;
 }
 
 std::string texto(const DList<UserMsgs>& linhas) {
     std::string s;
     for (const UserMsgs* u = linhas.first(); u; u = u->next)
-        s += std::string(u->msg_id) + " " + u->enviada + " " + std::to_string(u->size) + " " +
-             instante(u->start_time) + " " + ou_traco(u->sendername) + " " + marcas(*u) + " " +
-             std::string(u->str_error) + "\n";
+        s += u->msg_id + (" " + quem(*u)) + " " + u->enviada + marcas(*u) + " " +
+             std::string(u->str_error) + "/";
     return s;
 }
 
 std::string texto(const Msg& m) {
-    std::string s = std::string(m.id) + " " + ou_traco(m.sendername) + " " +
-                    std::to_string(m.size) + " " + instante(m.start_time) + " " +
-                    instante(m.end_time) + " " + marcas(m) + (m.fatal_error ? "F" : "") + " " +
-                    std::string(m.str_error) + "\n";
+    std::string s = m.id + (" " + quem(m)) + " " + instante(m.end_time) + marcas(m) +
+                    (m.fatal_error ? "F " : " ") + std::string(m.str_error) + "/";
     for (const RCPTO* r = m.recipients.first(); r; r = r->next)
-        s += std::string(r->username) + " " + instante(r->last_time) + (r->error ? " E " : " ") +
-             r->status_msg + "\n";
+        s += r->username + (" " + instante(r->last_time)) + (r->error ? " E " : " ") +
+             r->status_msg + "/";
     return s;
 }
 
@@ -88,8 +101,6 @@ void pede(LogResult& r, const std::string& usuario) {
 }
 
 Relato::Relato(const char* tz) : zona_(tz) {
-    std::filesystem::create_directories(arvore.path("LOGS"));
-    p.setLogDir(arvore.path("LOGS").c_str());
     p.setDataDir(arvore.path("DAT").c_str());
     p.debugOut = traco_.stream;
 }
@@ -99,11 +110,10 @@ Relato& Relato::compacto(const std::string& dia, const std::string& linhas) {
     std::string s, l;
     while (std::getline(todas, l, '|')) {
         const std::size_t fim = std::min(l.find(' '), l.size());
-        std::string quando = l.substr(0, fim);
-        while (quando.size() < 6) quando += ":00";
-        const std::string resto =
-            l.size() == fim + 2 ? " 1 1" + l.substr(fim) + " INTERNO a 1" : l.substr(fim);
-        s += (l[0] == '@' ? l.substr(1) : T(dia + " " + quando) + resto) + "\n";
+        std::string hora = l.substr(0, fim), resto = l.substr(fim);
+        while (hora.size() < 6) hora += ":00";
+        if (resto.size() == 2) resto = " 1 1" + resto + " INTERNO a 1";
+        s += (l[0] == '@' ? l.substr(1) : T(dia + " " + hora) + resto) + "\n";
     }
     arvore.write(nome(dia, diario::compacto), s);
     return *this;
@@ -129,10 +139,10 @@ std::string Relato::dias(const std::string& de, const std::string& ate) {
     return texto(r.msgs_day);
 }
 
-std::string Relato::dias_de(const std::vector<std::string>& usuarios, const std::string& de,
+std::string Relato::dias_de(const std::vector<std::string>& quem, const std::string& de,
                             const std::string& ate) {
     LogResult r;
-    for (auto u = usuarios.rbegin(); u != usuarios.rend(); ++u) pede(r, *u);
+    for (auto u = quem.rbegin(); u != quem.rend(); ++u) pede(r, *u);
     p.get_msgs_per_day(hora(de), hora(ate), nullptr, &r.msgs_user_day);
     return texto(r.msgs_user_day);
 }
@@ -143,9 +153,9 @@ std::string Relato::horas(const std::string& de, const std::string& ate) {
     return texto_horas(r.msgs_hour);
 }
 
-std::string Relato::horas_de(const char* usuario, const std::string& de, const std::string& ate) {
+std::string Relato::horas_de(const char* quem, const std::string& de, const std::string& ate) {
     LogResult r;
-    p.get_msgs_per_hour_per_user(hora(de), hora(ate), usuario, &r.msgs_hour);
+    p.get_msgs_per_hour_per_user(hora(de), hora(ate), quem, &r.msgs_hour);
     return texto_horas(r.msgs_hour);
 }
 
