@@ -56,8 +56,7 @@ class LeitorDeCabecas {
         std::memcpy(&v, p, sizeof v);
         v ^= std::bit_cast<std::uint32_t>(std::array{' ', '0', ' ', '0'});
         const auto seis = std::bit_cast<std::uint32_t>(std::array{'\0', '\6', '\0', '\6'});
-        const auto altos =
-            std::bit_cast<std::uint32_t>(std::array{'\xFF', '\xF0', '\xFF', '\xF0'});
+        const auto altos = std::bit_cast<std::uint32_t>(std::array{'\xFF', '\xF0', '\xFF', '\xF0'});
         return ((v | (v + seis)) & altos) == 0;
     }
 
