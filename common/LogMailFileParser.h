@@ -176,8 +176,8 @@ class LogMailFileParser : public LogFileParser {
     struct RegraErro;
     struct Despacho;
     struct Lido;
-    struct Leitura;
     class Horas;
+    class Passada;
     struct Replay;
     struct LeituraEstatistica;
 
@@ -216,7 +216,6 @@ class LogMailFileParser : public LogFileParser {
                          DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
                          const char* user);
     void replay(diario::Dias dias, long start, long end, ReportType type, params* p);
-    static void passa_por_cima(LeitorLinhas& leitor, Crivo& crivo, const Msg& m);
     bool corta_dominio_local(std::string& endereco);
     UserMsgs* linha_de(DList<UserMsgs>* msgs, const char* id);
     UserMsgs* nova_linha(DList<UserMsgs>* msgs, const char* id);

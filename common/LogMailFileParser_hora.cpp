@@ -31,9 +31,8 @@ int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** 
         return 0;
     }
     if (n < 7) return 0;
-    Trabalho* m = trabalhos_.novo(campos[3]);
+    Trabalho* m = trabalhos_.novo(campos[3], campos[5]);
     m->int_user = getUserType(campos[4]) == INTERNO;
-    m->define_remetente(campos[5]);
     m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
     return 1;
 }

@@ -1,7 +1,7 @@
 // Replaying compact files: which lines a report sees, and which of its handlers takes each.
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <memory>
 
 #include "common/LogMailFileParser.h"
 #include "common/auxiliar.h"
@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr std::size_t maior_linha = 2047;
 constexpr std::size_t num_status_replay = SPAM + 1;
 constexpr int horas_do_dia = 24;
 
@@ -135,19 +134,6 @@ struct LogMailFileParser::Replay {
     }
 };
 
-// The line being read, and what it is read with.
-struct LogMailFileParser::Leitura {
-    LeitorLinhas leitor;
-    LeitorDeCabecas cabecas;
-    char linha[maior_linha + 1];
-    char* campos[maior_linha + 1];
-    bool usual;  // `cabeca` holds
-    Cabeca cabeca;
-
-    bool proxima();
-    int divide();
-};
-
 // The rows of the hour report and the hour that the replay is in.
 class LogMailFileParser::Horas {
   public:
@@ -178,6 +164,110 @@ class LogMailFileParser::Horas {
     int agora_ = 0;
 };
 
+// One run over the compact files of a range: what it reads with, and how far it is.
+class LogMailFileParser::Passada {
+  public:
+    Passada(LogMailFileParser& p, long start, long end, ReportType type, params* par)
+        : p_(p),
+          par_(par),
+          start_(start),
+          end_(end),
+          peneira_(type == MSGTRACE && par->msg_id),
+          por_hora_(type == MSGS_PER_HOUR),
+          coluna_(Replay::coluna(type)),
+          horas_(por_hora_ ? par->m_hour : nullptr, p.relogio_),
+          crivo_(peneira_ ? par->msg_id : "", end) {}
+
+    void arquivo(int fd) {
+        leitor_.abre(fd);
+        horas_.comeca_arquivo();
+        for (bool segue = true; segue;) {
+            if (leitor_.vazio()) {
+                if (iniciado_ && peneira_) passa_por_cima();
+                if (!leitor_.le_lote(iniciado_ && peneira_)) return;
+                if (coluna_ && !peneira_) antecipa();
+            }
+            segue = linha(leitor_.toma());
+        }
+    }
+
+  private:
+    bool linha(const LeitorCompacto::Linha& l);
+    void passa_por_cima();
+    void antecipa();
+
+    // The handler for a status; null when the report ignores it.
+    Replay::Acao acao(int status) const {
+        if (!coluna_ || status < 0 || status > SPAM) return nullptr;
+        const Replay::Acao a = (*coluna_)[static_cast<std::size_t>(status)];
+        return a == Replay::nada ? nullptr : a;
+    }
+
+    // The same for a usual line. An attempt changes no hour: its handler only refuses lines without
+    // a time or an id.
+    Replay::Acao acao(const Cabeca& c) const {
+        const Replay::Acao a = acao(c.status);
+        return a == Replay::hora_deliver && c.t != 0 ? nullptr : a;
+    }
+
+    LogMailFileParser& p_;
+    params* par_;
+    long start_, end_;
+    bool peneira_;  // a trace, of an id: lines may be passed over
+    bool por_hora_;
+    bool iniciado_ = false;  // a line not earlier than the start was met
+    const Replay::Coluna* coluna_;
+    Horas horas_;
+    Crivo crivo_;
+    LeitorCompacto leitor_;
+    char* campos_[LeitorCompacto::maior_linha + 1];
+};
+
+// Hands a line to its handler. False when it lies behind the end, which closes the file.
+bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
+    char* texto = l.usual ? nullptr : leitor_.copia(l);
+    if (!iniciado_) {
+        const long t = l.usual ? l.cabeca.t : strhex_to_time(texto);
+        if (t < start_) return true;
+        iniciado_ = true;
+        horas_.comeca_em(t);
+    }
+    Lido e{0, campos_, l.usual ? -1 : reparte(texto, ' ', campos_), par_, nullptr};
+    e.t = l.usual ? l.cabeca.t : e.n > 0 ? strhex_to_time(campos_[0]) : 0;
+    if (e.t > end_) {
+        iniciado_ = false;
+        return false;
+    }
+    if (por_hora_ && !(e.hora = horas_.de(e.t))) return true;
+    const Replay::Acao a = l.usual ? acao(l.cabeca) : acao(e.n > 2 ? decimal32(campos_[2]) : 0);
+    if (!a) return true;
+    if (l.usual) e.n = leitor_.divide(l, campos_);
+    a(p_, e);
+    return true;
+}
+
+// Lets the sieve drop what cannot matter to the traced message as it stands now.
+void LogMailFileParser::Passada::passa_por_cima() {
+    const Msg& m = *par_->m;
+    const bool erros = m.error_list.first() != nullptr;
+    bool recusado = false;
+    for (const RCPTO* r = m.recipients.first(); r && !recusado; r = r->next) recusado = r->error;
+    crivo_.define(erros, !m.error && !m.fatal_error && (erros || recusado));
+    leitor_.passa(crivo_);
+}
+
+// Fetches the working records that the lines read will touch, all of them at once.
+void LogMailFileParser::Passada::antecipa() {
+    std::uint32_t hashes[LeitorCompacto::maior_lote];
+    std::size_t n = 0;
+    for (const LeitorCompacto::Linha& l : leitor_)
+        if (l.usual && acao(l.cabeca)) {
+            hashes[n] = hash_chave(l.texto + l.cabeca.id, l.tamanho_do_id());
+            p_.trabalhos_.antecipa(hashes[n++]);
+        }
+    for (std::size_t i = 0; i < n; ++i) p_.trabalhos_.busca(hashes[i]);
+}
+
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,
                                            params* p) {
     if (!files || !p) {
@@ -188,72 +278,14 @@ int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long e
     return 1;
 }
 
-// What there is to know of a line before it is split: usual lines tell it by their head.
-bool LogMailFileParser::Leitura::proxima() {
-    const char* lida;
-    const std::size_t tamanho = leitor.proxima(&lida, maior_linha);
-    std::memcpy(linha, lida, tamanho);
-    linha[tamanho] = '\0';
-    usual = cabecas.le(linha, tamanho, cabeca);
-    return tamanho != 0;
-}
-
-int LogMailFileParser::Leitura::divide() {
-    return reparte(linha, ' ', campos);
-}
-
 void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
                                params* par) {
     relogio_.comeca();
-    Leitura l;
-    Horas horas(type == MSGS_PER_HOUR ? par->m_hour : nullptr, relogio_);
-    const bool peneira = type == MSGTRACE && par->msg_id;
-    Crivo crivo(peneira ? par->msg_id : "", end);
-    const Replay::Coluna* coluna = Replay::coluna(type);
-    bool iniciado = false;
-    while (dias.proximo()) {
-        const Stream f = dias.abre();
-        if (!f) {
+    const auto passada = std::make_unique<Passada>(*this, start, end, type, par);
+    while (dias.proximo())
+        if (const Stream f = dias.abre())
+            passada->arquivo(fileno(f.get()));
+        else
             traco("LogMailFileParser::parse_compact_file : Erro ao abrir %s\r\n", dias.path());
-            continue;
-        }
-        l.leitor.abre(fileno(f.get()));
-        horas.comeca_arquivo();
-        for (;;) {
-            if (iniciado && peneira) passa_por_cima(l.leitor, crivo, *par->m);
-            if (!l.proxima()) break;
-            if (!iniciado) {
-                const long t = l.usual ? l.cabeca.t : strhex_to_time(l.linha);
-                if (t < start) continue;
-                iniciado = true;
-                horas.comeca_em(t);
-            }
-            Lido e{0, l.campos, -1, par, nullptr};
-            if (!l.usual) e.n = l.divide();
-            e.t = l.usual ? l.cabeca.t : e.n > 0 ? strhex_to_time(l.campos[0]) : 0;
-            if (e.t > end) {
-                iniciado = false;
-                break;
-            }
-            if (type == MSGS_PER_HOUR && !(e.hora = horas.de(e.t))) continue;
-            const int status = l.usual ? l.cabeca.status : e.n > 2 ? decimal32(l.campos[2]) : 0;
-            if (!coluna || status < 0 || status > SPAM) continue;
-            const Replay::Acao acao = (*coluna)[static_cast<std::size_t>(status)];
-            if (acao == Replay::nada) continue;
-            if (l.usual) e.n = l.divide();
-            acao(*this, e);
-        }
-    }
     relogio_.termina();
-}
-
-// Lets the sieve drop what cannot matter to the traced message as it stands now.
-void LogMailFileParser::passa_por_cima(LeitorLinhas& leitor, Crivo& crivo, const Msg& m) {
-    const bool erros = m.error_list.first() != nullptr;
-    bool recusado = false;
-    for (const RCPTO* r = m.recipients.first(); r && !recusado; r = r->next) recusado = r->error;
-    crivo.define(erros, !m.error && !m.fatal_error && (erros || recusado));
-    std::size_t quantos;
-    const char* lidos = leitor.lidos(quantos);
-    leitor.pula(crivo.sobra(lidos, quantos, maior_linha));
 }

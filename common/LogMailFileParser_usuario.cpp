@@ -119,10 +119,9 @@ int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
         return 0;
     }
     const char* id = campos[3];
-    Trabalho* m = trabalhos_.novo(id);
+    Trabalho* m = trabalhos_.novo(id, campos[5]);
     if (n > 6) m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
     m->int_user = getUserType(campos[4]) == INTERNO;
-    m->define_remetente(campos[5]);
 
     const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
     if ((remetentes || destinatarios) && !e_o_pedido &&
@@ -160,7 +159,7 @@ int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsign
     if (m) {
         if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
     } else {
-        m = trabalhos_.novo(id);
+        m = trabalhos_.novo(id, nullptr);
     }
     UserMsgs* u = linha_de(msgs, id);
     if (!u) u = nova_linha(msgs, id);

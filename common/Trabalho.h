@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
+#include <vector>
 
 #include "common/Tabela.h"
 
@@ -10,16 +12,10 @@
 struct Trabalho {
     Trabalho *prev = nullptr, *next = nullptr;
     char id[24] = {};            // cut to 23 characters
-    char* sendername = nullptr;  // owned; null until a submission was seen
+    char* sendername = nullptr;  // owned by the records' owner; null: no submission seen
+    std::uint32_t lugar = 0;     // bytes that sendername has room for
     std::uint32_t size = 0;      // bytes
     bool int_user = false, spam = false, virus = false, error = false, fatal_error = false;
-
-    Trabalho() = default;
-    ~Trabalho() { delete[] sendername; }
-    Trabalho(const Trabalho&) = delete;
-    Trabalho& operator=(const Trabalho&) = delete;
-
-    void define_remetente(const char* nome);
 };
 
 inline const char* chave(const Trabalho& t) {
@@ -35,11 +31,25 @@ class Trabalhos {
     Trabalho* acha(const char* id) const { return indice_.procurar(id); }
     // The same, or a new one.
     Trabalho* acha_ou_novo(const char* id);
-    // A record without anything in it, in place of the one that the id had.
-    Trabalho* novo(const char* id);
+    // A record with nothing in it but the sender (null: unknown), in place of the one that the id
+    // had.
+    Trabalho* novo(const char* id, const char* remetente);
     void esquece();
 
+    // Hints, for ids that will be looked up soon, by the hash of their key: fetches the place of
+    // the index; then the record.
+    void antecipa(std::uint32_t hash) const { indice_.antecipa(hash); }
+    void busca(std::uint32_t hash) const {
+        if (const Trabalho* t = indice_.provavel(hash)) __builtin_prefetch(t->id);
+    }
+
   private:
+    void define_remetente(Trabalho* t, const char* nome);
+    char* toma(std::uint32_t bytes);
+
     Tabela<Trabalho> indice_;
     std::deque<Trabalho> registros_;
+    std::vector<std::unique_ptr<char[]>> textos_;  // blocks that the senders' texts are put into
+    char* fim_ = nullptr;                          // of the last one
+    std::size_t livres_ = 0;                       // bytes before it
 };

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/auxiliar.h"
+#include "misc/palavras.h"
 
 bool LeitorDeCabecas::converte(const char* digitos) {
     std::uint32_t t = 0;
@@ -51,4 +52,74 @@ std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) 
             inicio = fim;
         }
     return inicio;
+}
+
+void LeitorCompacto::abre(int fd) {
+    leitor_.abre(fd);
+    lidas_ = tomadas_ = 0;
+}
+
+void LeitorCompacto::passa(Crivo& crivo) {
+    std::size_t quantos;
+    const char* lidos = leitor_.lidos(quantos);
+    leitor_.pula(crivo.sobra(lidos, quantos, maior_linha));
+}
+
+// Takes lines whose ends lie close ahead in what is read.
+void LeitorCompacto::toma_inteiras() {
+    std::size_t quantos;
+    const char* p = leitor_.lidos(quantos);
+    const std::size_t finais = finais_.acha(p, std::min(quantos, trecho));
+    std::size_t inicio = 0;
+    for (; lidas_ < std::min(finais, maior_lote); ++lidas_) {
+        const std::size_t fim = finais_[lidas_] + 1;
+        if (fim - inicio > maior_linha) break;
+        linhas_[lidas_].texto = const_cast<char*>(p + inicio);
+        linhas_[lidas_].tamanho = fim - inicio;
+        inicio = fim;
+    }
+    leitor_.pula(inicio);
+}
+
+bool LeitorCompacto::le_lote(bool so_uma) {
+    lidas_ = tomadas_ = 0;
+    if (!so_uma) toma_inteiras();
+    if (lidas_ == 0) {
+        const char* p;
+        linhas_[0].tamanho = leitor_.proxima(&p, maior_linha);
+        if (linhas_[0].tamanho == 0) return false;
+        linhas_[0].texto = const_cast<char*>(p);
+        lidas_ = 1;
+    }
+    for (std::size_t i = 0; i < lidas_; ++i)
+        linhas_[i].usual = cabecas_.le(linhas_[i].texto, linhas_[i].tamanho, linhas_[i].cabeca);
+    return true;
+}
+
+std::size_t LeitorCompacto::Linha::tamanho_do_id() const {
+    const std::size_t resto = tamanho - cabeca.id;
+    return Marcas(texto + cabeca.id, resto).proxima();
+}
+
+char* LeitorCompacto::copia(const Linha& linha) {
+    std::memcpy(copia_, linha.texto, linha.tamanho);
+    copia_[linha.tamanho] = '\0';
+    return copia_;
+}
+
+int LeitorCompacto::divide(const Linha& linha, char** campos) {
+    const std::size_t n = linha.tamanho - 1;
+    // What a NUL cuts off, or the file's end, is not told by the marks.
+    if (linha.texto[n] != '\n' || std::memchr(linha.texto, '\0', n))
+        return reparte(copia(linha), ' ', campos);
+    linha.texto[n] = '\0';
+    campos[0] = linha.texto;
+    int total = 1;
+    Marcas marcas(linha.texto, n);
+    for (std::size_t i; (i = marcas.proxima()) < n;)
+        if (linha.texto[i] == ' ') {
+            linha.texto[i] = '\0';
+            campos[total++] = linha.texto + i + 1;
+        }
+    return total;
 }
