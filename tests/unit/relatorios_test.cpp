@@ -250,12 +250,18 @@ TEST(Relatorios, trace) {
 # Lines of three words hit whatever message is traced.
 10 2 13|10 2 8|10 2 11|10 2 5 => 0 - 0 - - E <Q>/
 )");
-    for (const auto& [caso, resposta] : tabela) {
-        std::string quer = troca(resposta, "<Q>", "Erro contactando o dom\xEDnio de destino.");
-        quer = troca(troca(quer, "<D>", "15/03/2009 10:00:00 - "), "+", "A ana@x 100 15 09:00:00 ");
-        const std::string linhas = troca(caso, "+", "9 1 1 A INTERNO ana@x 100");
-        EXPECT_EQ(Relato().compacto(d15, linhas).trace("A", inicio, fim), quer) << linhas;
-    }
+    // Once more with ids of the usual length: shorter lines are no usual ones.
+    for (const auto& [caso, resposta] : tabela)
+        for (const std::string& id : {"A"s, std::string(16, 'A')}) {
+            std::string quer = troca(resposta, "<Q>", "Erro contactando o dom\xEDnio de destino.");
+            quer = troca(troca(quer, "<D>", "15/03/2009 10:00:00 - "), "+",
+                         "A ana@x 100 15 09:00:00 ");
+            if (quer[0] == 'A') quer.replace(0, 1, id);
+            std::string linhas = troca(caso, "+", "9 1 1 A INTERNO ana@x 100");
+            linhas = troca(troca(linhas, " A", " " + id), " B", " " + std::string(id.size(), 'B'));
+            EXPECT_EQ(Relato().compacto(d15, linhas).trace(id.c_str(), inicio, fim), quer)
+                << linhas;
+        }
     const std::string r200(200, 'r');  // the longest name that is taken
     EXPECT_EQ(Relato()
                   .compacto(d15, "9 2 2 A " + r200 + "|9 2 2 A r" + r200 + "|9 2 9 A r" + r200)
