@@ -58,6 +58,7 @@ void LogMailFileParser::esvazia() {
     fecha(statistic_logfile);
     memoria_.reset();
     lote_.reset();
+    remetentes_.reset();
     Lista_msg.apaga_se([](const Msg*) { return true; });
     Lista_usu.apaga_se([](const Usuario*) { return true; });
     trabalhos_.esquece();

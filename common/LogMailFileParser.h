@@ -192,6 +192,7 @@ class LogMailFileParser : public LogFileParser {
     bool registra(const char* metodo, Agent agente, Status status,
                   std::initializer_list<const char*> campos, const char* fim = "\n");
     Msg* msg_ou_nova(const char* id, time_t inicio = 0);
+    TextoPartilhado texto_de(const char* remetente);
     Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
     void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
     void conta_recebida(const char* destinatario, const Msg* m);
@@ -207,6 +208,7 @@ class LogMailFileParser : public LogFileParser {
     void prepara_proximo_dia();
     void esvazia();
 
+    static constexpr std::size_t max_remetentes = 8192;
     static constexpr std::size_t tamanho_do_buffer = std::size_t{256} * 1024;
 
     // Reports (_dia.cpp, _replay.cpp, _usuario.cpp).
@@ -228,7 +230,8 @@ class LogMailFileParser : public LogFileParser {
     time_t hora_ = 0;                 // its time
     char T_[16] = {};                 // and that in hexadecimal, as the handlers take it
     std::size_t tamanho_de_T_ = 0;
-    std::unique_ptr<Evento[]> lote_;   // the lines shown by antecipa()
-    bool sem_compacto_ = false;        // the day's compact file could not be created
-    std::unique_ptr<char[]> memoria_;  // buffer of the day file being written
+    std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
+    bool sem_compacto_ = false;                      // the day's compact file could not be created
+    std::unique_ptr<char[]> memoria_;                // buffer of the day file being written
+    std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
 };

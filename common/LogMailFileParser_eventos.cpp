@@ -56,6 +56,17 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
     return u;
 }
 
+// A sender's text, shared with the earlier messages of the same sender while he is remembered: the
+// last one of each place does.
+TextoPartilhado LogMailFileParser::texto_de(const char* remetente) {
+    if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
+    const Chave c = chave_de(remetente);
+    TextoPartilhado& lembrado = remetentes_[c.hash % max_remetentes];
+    if (!lembrado.texto() || std::strcmp(lembrado.texto(), remetente) != 0)
+        lembrado = TextoPartilhado(remetente, c.tamanho);
+    return lembrado;
+}
+
 // Counts the message for its local sender in the period of `t`, and one more in another counter of
 // his. A time that could not be read counts nowhere.
 void LogMailFileParser::conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
@@ -96,7 +107,7 @@ int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const 
     Msg* m = msg_ou_nova(id, hora_da_linha());
     m->size = static_cast<std::uint32_t>(decimal32(tamanho));
     m->sender = u;
-    m->define_remetente(remetente);
+    m->define_remetente(texto_de(remetente));
     if (interno) m->int_user = true;
     return 1;
 }

@@ -207,7 +207,8 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
     relogio_.comeca();
     Leitura l;
     Horas horas(type == MSGS_PER_HOUR ? par->m_hour : nullptr, relogio_);
-    Crivo crivo(type == MSGTRACE ? par->msg_id : "", end);
+    const bool peneira = type == MSGTRACE && par->msg_id;
+    Crivo crivo(peneira ? par->msg_id : "", end);
     const Replay::Coluna* coluna = Replay::coluna(type);
     bool iniciado = false;
     while (dias.proximo()) {
@@ -219,7 +220,7 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
         l.leitor.abre(fileno(f.get()));
         horas.comeca_arquivo();
         for (;;) {
-            if (iniciado && type == MSGTRACE) passa_por_cima(l.leitor, crivo, *par->m);
+            if (iniciado && peneira) passa_por_cima(l.leitor, crivo, *par->m);
             if (!l.proxima()) break;
             if (!iniciado) {
                 const long t = l.usual ? l.cabeca.t : strhex_to_time(l.linha);

@@ -8,8 +8,9 @@
 
 namespace {
 
+// No id, no line of its own.
 bool e_dela(const char* id, char** campos) {
-    return std::strcmp(campos[3], id) == 0;
+    return id && std::strcmp(campos[3], id) == 0;
 }
 
 void toma_id(Msg* m, const char* id) {

@@ -25,13 +25,17 @@ Msg::Msg(const char* id_, time_t inicio) : start_time(inicio) {
 Msg::~Msg() {
     apaga_todos(recipients);
     apaga_todos(error_list);
-    delete[] sendername;
+    if (sendername != remetente_.texto()) delete[] sendername;
 }
 
 void Msg::define_remetente(const char* nome) {
-    char* novo = copia_texto(nome);
-    delete[] sendername;
-    sendername = novo;
+    define_remetente(nome ? TextoPartilhado(nome, std::strlen(nome)) : TextoPartilhado());
+}
+
+void Msg::define_remetente(TextoPartilhado nome) {
+    if (sendername != remetente_.texto()) delete[] sendername;
+    remetente_ = std::move(nome);
+    sendername = remetente_.texto();
 }
 
 RCPTO* Msg::addRecipient(const char* nome) {

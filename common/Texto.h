@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
+#include <utility>
 
 // A copy made with new char[], null for null. The caller owns it.
 inline char* copia_texto(const char* texto) {
@@ -12,6 +15,38 @@ inline char* copia_texto(const char* texto) {
     const std::size_t n = std::strlen(texto) + 1;
     return static_cast<char*>(std::memcpy(new char[n], texto, n));
 }
+
+// A text that several records of one thread hold together; freed with the last of them. A few heavy
+// senders write most of a day's messages.
+class TextoPartilhado {
+  public:
+    TextoPartilhado() = default;
+    // A new copy of `n` bytes.
+    TextoPartilhado(const char* texto, std::size_t n)
+        : dados_(new (::operator new(sizeof(Dados) + n + 1)) Dados{1}) {
+        std::memcpy(this->texto(), texto, n);
+        this->texto()[n] = '\0';
+    }
+    TextoPartilhado(const TextoPartilhado& outro) : dados_(outro.dados_) {
+        if (dados_) ++dados_->donos;
+    }
+    TextoPartilhado& operator=(TextoPartilhado outro) {
+        std::swap(dados_, outro.dados_);
+        return *this;
+    }
+    ~TextoPartilhado() {
+        if (dados_ && --dados_->donos == 0) ::operator delete(dados_);
+    }
+
+    // The text, which may not be changed; null when there is none.
+    char* texto() const { return dados_ ? reinterpret_cast<char*>(dados_ + 1) : nullptr; }
+
+  private:
+    struct Dados {
+        std::uint32_t donos;
+    };
+    Dados* dados_ = nullptr;
+};
 
 // Reads as C text and costs its kilobyte only once written: a day keeps up to a million
 // messages in memory, and hardly one of them ever has an error text.

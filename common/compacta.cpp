@@ -19,34 +19,36 @@ bool LeitorDeCabecas::converte(const char* digitos) {
 }
 
 Crivo::Crivo(const char* id, time_t fim) : id_(id), tamanho_do_id_(std::strlen(id)), fim_(fim) {
-    if (tamanho_do_id_ >= sizeof inicio_do_id_) inicio_do_id_ = oito_bytes(id);
+    const std::size_t n = std::min(tamanho_do_id_, sizeof inicio_do_id_);
+    std::memcpy(&inicio_do_id_, id, n);
+    std::memset(&mascara_do_id_, 0xFF, n);
+}
+
+void Crivo::define(bool ve_ok, bool ve_end) {
+    vistos_ = std::uint64_t{ve_ok} << OK | std::uint64_t{ve_end} << END;
 }
 
 inline bool Crivo::importa(const char* linha, std::size_t n) {
+    // Short ones are left to the reader, so that eight bytes of any id may be looked at.
+    constexpr std::size_t menor = 22;
     Cabeca c;
-    if (!cabecas_.le(linha, n, c) || c.t > fim_) return true;
-    if ((ve_ok_ && c.status == OK) || (ve_end_ && c.status == END)) return true;
-    // The line's own id, and at least one byte behind it.
+    if (n < menor || !cabecas_.le(linha, n, c) || c.t > fim_) return true;
+    // Another status with the same low bits is shown for nothing; none is written.
+    if (vistos_ >> (c.status & 63) & 1) return true;
     const char* id = linha + c.id;
-    if (n - c.id <= tamanho_do_id_) return false;
-    if (tamanho_do_id_ >= sizeof inicio_do_id_ && oito_bytes(id) != inicio_do_id_) return false;
-    return std::memcmp(id, id_, tamanho_do_id_) == 0;
+    if ((oito_bytes(id) ^ inicio_do_id_) & mascara_do_id_) return false;
+    // The line's own id, and at least one byte behind it.
+    return n - c.id > tamanho_do_id_ && std::memcmp(id, id_, tamanho_do_id_) == 0;
 }
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
-    const char* const inicio = p;
-    const char* const fim = p + n;
-    for (;;) {
-        const std::size_t parte = std::min<std::size_t>(fim - p, FinaisDeLinha::maior);
-        const std::size_t linhas = finais_.acha(p, parte);
-        const char* const base = p;
-        for (std::size_t i = 0; i < linhas; ++i) {
-            const char* seguinte = base + finais_[i] + 1;
-            const auto tamanho = static_cast<std::size_t>(seguinte - p);
-            if (tamanho > maior_linha || importa(p, tamanho))
-                return static_cast<std::size_t>(p - inicio);
-            p = seguinte;
+    std::size_t inicio = 0;  // of the line whose end is looked for
+    std::size_t i = 0;
+    for (; i + 64 <= n; i += 64)
+        for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1) {
+            const std::size_t fim = i + static_cast<unsigned>(std::countr_zero(m)) + 1;
+            if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio)) return inicio;
+            inicio = fim;
         }
-        if (linhas == 0 || p == fim) return static_cast<std::size_t>(p - inicio);
-    }
+    return inicio;
 }

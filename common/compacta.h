@@ -2,6 +2,8 @@
 // trace.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -33,9 +35,7 @@ class LeitorDeCabecas {
 
     // False when the line of `n` bytes is not a usual one.
     bool le(const char* linha, std::size_t n, Cabeca& c) {
-        if (n < menor || linha[8] != ' ' || linha[10] != ' ' || !digito(linha[9]) ||
-            !digito(linha[11]))
-            return false;
+        if (n < menor || !separados(linha + 8)) return false;
         const bool curto = linha[12] == ' ';
         if (!curto && (!digito(linha[12]) || linha[13] != ' ')) return false;
         c.status = linha[11] - '0';
@@ -48,6 +48,18 @@ class LeitorDeCabecas {
 
   private:
     static bool digito(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
+
+    // Whether four bytes are a blank, a digit, a blank, a digit: all four in one look. The digits
+    // differ from '0' in the low four bits only, and by less than ten.
+    static bool separados(const char* p) {
+        std::uint32_t v;
+        std::memcpy(&v, p, sizeof v);
+        v ^= std::bit_cast<std::uint32_t>(std::array{' ', '0', ' ', '0'});
+        const auto seis = std::bit_cast<std::uint32_t>(std::array{'\0', '\6', '\0', '\6'});
+        const auto altos = std::bit_cast<std::uint32_t>(std::array{'\xFF', '\xF0', '\xFF', '\xF0'});
+        return ((v | (v + seis)) & altos) == 0;
+    }
+
     bool converte(const char* digitos);
 
     std::uint64_t digitos_ = 0;  // the last field 0 converted, and its time
@@ -64,13 +76,10 @@ class Crivo {
     Crivo(const char* id, time_t fim);
 
     // What is pending: OK and END lines of other messages must be seen, or need not.
-    void define(bool ve_ok, bool ve_end) {
-        ve_ok_ = ve_ok;
-        ve_end_ = ve_end;
-    }
+    void define(bool ve_ok, bool ve_end);
 
     // Bytes of whole lines at the start of [p, p + n) that do not matter; none is longer than
-    // `maior_linha`.
+    // `maior_linha`. The last lines may be left to the next time, with more behind them.
     std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
 
   private:
@@ -78,9 +87,9 @@ class Crivo {
 
     const char* id_;
     std::size_t tamanho_do_id_;
-    std::uint64_t inicio_do_id_ = 0;  // its first eight bytes, when it has as many
+    std::uint64_t inicio_do_id_ = 0;  // its first bytes, eight at most, and which of eight they are
+    std::uint64_t mascara_do_id_ = 0;
     time_t fim_;
-    bool ve_ok_ = false, ve_end_ = false;
+    std::uint64_t vistos_ = 0;  // a bit for each status that must be seen
     LeitorDeCabecas cabecas_;
-    FinaisDeLinha finais_;
 };

@@ -229,6 +229,28 @@ TEST(Msg, errosPendentes) {
     EXPECT_EQ(ficam, "9 8 ");
 }
 
+TEST(Msg, remetente) {
+    auto* a = new Msg("a", 0);
+    Msg b("b", 0), c("c", 0);
+    a->define_remetente(TextoPartilhado("ana@x", 5));
+    b.define_remetente("rui@x");
+    b.define_remetente(b.sendername);
+    EXPECT_STREQ(b.sendername, "rui@x");
+    TextoPartilhado comum("eva@x", 5);
+    for (Msg* m : {a, &b, &c}) m->define_remetente(comum);
+    EXPECT_EQ(a->sendername, c.sendername);
+    delete a;
+    comum = TextoPartilhado();
+    EXPECT_STREQ(b.sendername, "eva@x");
+    b.define_remetente(nullptr);
+    EXPECT_EQ(b.sendername, nullptr);
+    // Set from outside, it is the message's own.
+    b.sendername = new char[2]{'z', '\0'};
+    c.sendername = new char[2]{'z', '\0'};
+    b.define_remetente(comum);
+    EXPECT_EQ(b.sendername, nullptr);
+}
+
 TEST(Msg, limites) {
     Msg m(std::string(30, 'i').c_str(), 5);
     EXPECT_EQ(std::string(m.id), std::string(23, 'i'));

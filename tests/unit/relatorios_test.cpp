@@ -1,0 +1,419 @@
+// The reports over small day files, rows compared whole.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/unit/apoio/relato.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+const std::string d15 = "2009-03-15", d16 = "2009-03-16", d17 = "2009-03-17", d18 = "2009-03-18";
+const std::string inicio = d15 + " 00:00:00", fim = d15 + " 23:59:59";
+
+// --- Statistics files -------------------------------------------------------------------------
+
+TEST(Relatorios, totaisPorDia) {
+    Relato r;
+    r.estatistica(d15, "11 12 1 2 3 4 5 6 7 8\n[11]\nana 9 9 9 9 9 9 9 9\n")
+        .estatistica(d17, "11 12 1 2 3 4 5 -6 7 8")
+        .estatistica(d18, "11 12 1 2 3 4 5 6 7\n8\n")  // the tenth number is on another line
+        .estatistica("2009-03-19", "")
+        .estatistica("2009-03-20", "11 12 x 2 3 4 5 6 7 8\n")
+        .estatistica("2009-03-21", "4294967297 0 0 0 0 0 0 0 0 1");
+    EXPECT_EQ(r.dias(inicio, "2009-03-21 00:00:00"),
+              "15 00:00:00: 5 7 6 8 2 1 3 4/17 00:00:00: 5 7 4294967290 8 2 1 3 4/"
+              "21 00:00:00: 0 0 0 1 0 0 0 0/");
+    EXPECT_EQ(r.traco(),
+              "LogMailFileParser::parse_consolid_files : Erro ao abrir "
+              "@/DAT/rels_03-09/mail_stat_16.txt\r\n");
+    // A row's time is the start plus whole days.
+    EXPECT_EQ(r.dias(d15 + " 17:30:00", d17 + " 17:29:59"), "15 17:30:00: 5 7 6 8 2 1 3 4/");
+    EXPECT_EQ(r.dias(inicio, inicio), "");
+    EXPECT_EQ(r.dias(d15 + " 12:00:00", d15 + " 12:00:01"), "15 12:00:00: 5 7 6 8 2 1 3 4/");
+}
+
+// East of UTC the day file that is read at a local midnight is that of the day before.
+TEST(Relatorios, arquivosPorUtc) {
+    for (const char* tz : {"LOC-3", "LOC3", "UTC0"}) {
+        Relato r(tz);
+        r.estatistica("2009-02-28", "0 0 0 0 0 0 1 0 0 0\n");
+        r.estatistica("2009-03-01", "0 0 0 0 0 0 2 0 0 0\n");
+        EXPECT_EQ(r.dias("2009-03-01 00:00:00", "2009-03-01 23:59:59"),
+                  "01 00:00:00: "s + (tz == "LOC-3"s ? "1" : "2") + " 0 0 0 0 0 0 0/");
+    }
+}
+
+TEST(Relatorios, diasDeUsuarios) {
+    char locais[] = "aqui;la";
+    Relato r;
+    r.p.add_domain(locais);
+    r.estatistica(d15, R"(1 2 0 0 0 0 0 0 0 0
+[1]
+ana 1 10 2 20 3 4 5 6
+ana@aqui 1 1 1 1 1 1 1 1
+ana@fora 7 7 7 7 7 7 7 7
+Ana 7 7 7 7 7 7 7 7
+ana@aqui@la 7 7 7 7 7 7 7 7
+[2]
+
+
+  ana	1 0 0 0 0 0 0 -1
+rui@la 1 2 3
+bia@la 1 1 1 1 1 1 1 1
+)")
+        .estatistica(d17, "1 2 0 0 0 0 0 0 0 0\n[1]\nana 1 x 5 5 5 5 5 5\nana 0 0 0 0 0 0 0 0\n");
+    // Both forms are summed; spam 4 and error 5 of the file change places. The first of two equal
+    // requests takes the lines.
+    const std::string rui = "rui:/15 00:00:00: 3 1 0 2 0 0 0 0/";
+    EXPECT_EQ(
+        r.dias_de({"ana", "rui", "ana", "bia@la", "eva", "ana@fora"}, inicio, d17 + " 12:00:00"),
+        "ana:/15 00:00:00: 3 3 21 11 4 6 5 6/17 00:00:00: 0 1 0 0 0 0 0 0/" + rui +
+            "ana:/bia@la:/15 00:00:00: 1 1 1 1 1 1 1 1/eva:/"
+            "ana@fora:/15 00:00:00: 7 7 7 7 7 7 7 7/");
+    // Rows are added to those of an earlier report.
+    LogResult duas;
+    pede(duas, "rui");
+    for (int i = 0; i < 2; ++i)
+        r.p.get_msgs_per_day(hora(inicio), hora(fim), nullptr, &duas.msgs_user_day);
+    EXPECT_EQ(texto(duas.msgs_user_day), rui + rui.substr(5));
+}
+
+TEST(Relatorios, horasDeUsuario) {
+    char locais[] = "aqui";
+    Relato r;
+    r.p.add_domain(locais);
+    // Nothing counts before the first bracket, and only the first line of a period.
+    r.estatistica(d15, R"(1 2 0 0 0 0 0 0 0 0
+ana 9 9 9 9 9 9 9 9
+[60]
+rui 1 1 1 1 1 1 1 1
+ana@aqui 1 10 2 20 3 4 5 6
+ana 9 9 9 9 9 9 9 9
+[120]
+ana@fora 9 9 9 9 9 9 9 9
+[180]
+ana 0 0 1 -1
+)");
+    std::string muitos = "1 2 0 0 0 0 0 0 0 0\n";
+    for (int i = 1; i <= 26; ++i)
+        muitos += "[" + std::to_string(i) + "]\n" + (i >= 24 ? "ana 1 0 0 0 0 0 0 0\n" : "");
+    r.estatistica(d17, muitos);
+    EXPECT_EQ(r.horas_de("ana", inicio, fim),
+              "0h 01 00:01:00: 2 1 20 10 3 5 4 6/1h 01 00:02:00: 0 0 0 0 0 0 0 0/"
+              "2h 01 00:03:00: 1 0 4294967295 0 0 0 0 0/24");
+    EXPECT_NE(r.horas_de("ana@fora", inicio, fim).find("/1h 01 00:02:00: 9 9"), std::string::npos);
+    EXPECT_EQ(r.horas_de("ana@aqui", inicio, fim).find("0h 01 00:01:00: 2 1 20"), 0u);
+    // A period too many is read by nobody.
+    const std::string dois = r.horas_de("ana", inicio, d17 + " 00:00:00");
+    EXPECT_EQ(dois.substr(dois.rfind("46h")),
+              "46h 01 00:00:23: 0 0 0 0 0 0 0 0/47h 01 00:00:24: 0 1 0 0 0 0 0 0/48");
+}
+
+// --- Replay -----------------------------------------------------------------------------------
+
+// Which lines of three days' files a report sees from one time to another: a message is listed for
+// every submission seen, the last one first.
+TEST(Relatorios, linhasQueOReplayVe) {
+    const auto tabela = casos(R"(
+# Both bounds belong to the range.
+15 10,15 11,9:59:59 A|10 B|11 C|11:00:01 D,,, => CB
+# Nothing is skipped once a line was in range; the first one after the end stops its file.
+15 9:30,15 11,9 A|10 B|9 C|@0 1 1 D I a 1|@x 1 1 E I a 1,,, => EDCB
+15 9:30,15 11,10 A|12 B|10:30 C,,, => A
+# After such a stop the next file is searched again for the start.
+15 9,16 11,10 A|@ffffffff 2 4 X,@1 1 1 B I a 1|10 C|@1 1 1 D I a 1,, => DCA
+# A file that ends in range hands on to the whole next one, also over a missing day.
+15 9,17 11,10 A,,@1 1 1 B I a 1|10 C, => CBA
+# A file without a line in range leaves the search on.
+15 9,17 11,8 A,@1 1 1 B I a 1|10 C,, => C
+# Blanks count: here the third word is "1", and so is the fourth.
+15 0,15 23,@0X49BCD1A0 1 1 A I a 1|@ 49bcd1a0 1 1 B I a 1|@|@49bcd1a0  1 1 C I a 1,,, => 11A
+# Status is a decimal number, its low 32 bits; times are hexadecimal of any form.
+15 0,15 23,@49bcd1a0 1 01 A I a 1|@1 1 1x B I a 1|@1 1 4294967297 C I a 1|@1 1 19 D I a 1,,, => CBA
+15 0,15 23,@49BCD1a0 1 1 A I a 1|@+1 1 -1 E I a 1|@1 1 x F I a 1|@1 1 65537 G I a 1,,, => A
+)");
+    const auto quando = [](std::string t) {
+        while (t.size() < 9) t += ":00";
+        return hora("2009-03-" + t);
+    };
+    const auto vistas = [](Relato& r, long de, long ate) {
+        LogResult res;
+        r.p.get_user_msgs(nullptr, nullptr, nullptr, 0, 0, de, ate, &res.user_msgs);
+        std::string ids;
+        for (const UserMsgs* u = res.user_msgs.first(); u; u = u->next) ids += u->msg_id;
+        return ids;
+    };
+    for (const auto& [caso, quer] : tabela) {
+        Relato r;
+        std::istringstream campos(caso);
+        std::string de, ate, linhas;
+        std::getline(std::getline(campos, de, ','), ate, ',');
+        for (const std::string& dia : {d15, d16, d17})
+            if (std::getline(campos, linhas, ',') && !linhas.empty()) r.compacto(dia, linhas);
+        EXPECT_EQ(vistas(r, quando(de), quando(ate)), quer) << caso;
+    }
+    // Longer than a line may be: what follows is the next line, here one of its own. A byte more or
+    // less in front of it would be a time after the end.
+    Relato r;
+    const std::string h = T(d16 + " 00:00:00");
+    r.compacto(d16, "@" + h + std::string(2047 - 9, 'x') + "f" + h + " 1 1 LONGA INTERNO ana 1");
+    EXPECT_EQ(vistas(r, hora(inicio), hora(d17 + " 00:00:00")), "LONGA");
+}
+
+// --- Hours ------------------------------------------------------------------------------------
+
+TEST(Relatorios, horas) {
+    const auto tabela = casos(R"(
+# Counted in the hour of its end; an hour's time goes to the one being left.
+9 1 1 A INTERNO ana 100|10:01 2 4 A|10:30 1 1 B POP eva 50|11:00:05 2 4 B => 9h 15 10:01:00: 0 0 0 0 0 0 0 0/10h 15 11:00:05: 1 0 100 0 0 0 0 0/11h -: 0 1 0 50 0 0 0 0/24
+# Spam and virus count twice; spam comes before virus, an error before both, once, at the end.
+9 A|9 2 18 A|9 2 4 A|9 1 1 B POP eva 50|9 2 15 B|9 2 4 B => 9h -: 1 1 1 50 2 2 0 0/24
+9 A|9 2 18 A|9 2 15 A|9 2 4 A => 9h -: 1 0 1 0 1 2 0 0/24
+9 A|9 2 18 A|9 2 9 A x|9 2 5 A y|10 2 4 A => 9h 15 10:00:00: 0 0 0 0 0 1 0 0/10h -: 0 0 0 0 0 0 1 0/24
+# A refusal for size is no error, nor is a retry; every end counts.
+9 A|9 2 13 A|9 2 17 A x|9 2 4 A|9 1 4 A => 9h -: 2 0 2 0 0 0 0 0/24
+# Not submitted in range: errors and virus make a record, an end does not.
+9 2 4 A|9 2 9 B x|9 2 4 B|9 2 15 C|9 2 4 C => 9h -: 0 1 0 0 2 0 1 0/24
+9 2 9 A x|9 A|9 2 4 A => 9h -: 1 0 1 0 0 0 0 0/24
+# Six words are no submission; the letters of the user type tell.
+9 1 1 A INTERNO ana|9 2 4 A|9 1 1 B SMTPAUTHI ana 7|9 1 4 B|9 1 1 C SMTP a 9|9 1 4 C => 9h -: 1 1 7 9 0 0 0 0/24
+9 1 1|9 2 4|9 2 15|9 2 18|9 2 9|9 2 7|9 => 24
+)");
+    for (const auto& [linhas, quer] : tabela)
+        EXPECT_EQ(Relato().compacto(d15, linhas).horas(inicio, fim), quer) << linhas;
+    for (const char* erro : {"5", "6", "8", "9", "10", "11", "12", "14"})
+        EXPECT_EQ(Relato().compacto(d15, "9 A|9 2 "s + erro + " A|9 2 4 A").horas(inicio, fim),
+                  "9h -: 0 0 0 0 0 0 1 0/24");
+}
+
+TEST(Relatorios, horasDeVariosDias) {
+    Relato r("LOC3");
+    r.compacto(d15, "9:59 1 1 A INTERNO ana 1|10 2 4 A")
+        .compacto(d16, "9 1 1 B INTERNO ana 2|9:10 2 4 B")
+        .compacto(d17, "0:10 1 1 C INTERNO ana 4|0:10 2 4 C|9 2 4 A");
+    // The first line of a following file comes from hour 0; a range's first line from its own.
+    EXPECT_EQ(r.horas(inicio, d17 + " 23:00:00"),
+              "0h 17 09:00:00: 1 0 4 0 0 0 0 0/9h 15 10:00:00: 2 0 3 0 0 0 0 0/"
+              "10h -: 1 0 1 0 0 0 0 0/24");
+    EXPECT_EQ(r.horas(d15 + " 09:59:30", fim).substr(0, 3), "10h");
+    // What an earlier report met is known to a later one: the user's report leaves it failed.
+    EXPECT_EQ(r.horas(d16 + " 09:05:00", d16 + " 23:00:00"), "9h -: 1 0 2 0 0 0 0 0/24");
+    r.mensagens(nullptr, nullptr, nullptr, 0, 0, d16 + " 00:00:00", d16 + " 10:00:00");
+    EXPECT_EQ(r.horas(d16 + " 09:05:00", d16 + " 23:00:00"), "9h -: 0 0 0 0 0 0 1 0/24");
+    // Until a consolidation, which forgets it whatever its outcome.
+    r.p.debugOut = nullptr;
+    r.p.consolidate(r.arvore.path("last").c_str());
+    r.p.debugOut = nullptr;
+    EXPECT_EQ(r.horas(d16 + " 09:05:00", d16 + " 23:00:00"), "24");
+}
+
+// --- Trace ------------------------------------------------------------------------------------
+
+std::string troca(std::string s, const std::string& de, const std::string& por) {
+    for (std::size_t i = 0; (i = s.find(de, i)) != std::string::npos; i += por.size())
+        s.replace(i, de.size(), por);
+    return s;
+}
+
+// "+" is the submission of A at 9 and what it makes of the message; "<Q>" a quiet connection error,
+// "<D>" the date.
+TEST(Relatorios, trace) {
+    const auto tabela = casos(R"(
++|10 2 2 A rui@y|10 1 2 A bia|12 2 4 B => +- I /rui@y 15 10:00:00 Mensagem entregue./bia 15 10:00:00 Mensagem entregue./
++|11 2 4 A => +15 11:00:00 I /
+# Lines of others, and events that a trace does not know.
++|10 1 1 a POP b 1|10 2 2 B x|10 2 9 AA x|10 2 10 B x|10 2 11 B|10 2 13 B|10 2 8 B r|10 2 5 B y|10 2 15 B => +- I /
++|10 2 12 A mx|10 2 14 A y|10 2 6 A y|10 2 17 A x|10 2 18 A|10 2 7 A => +- I /
++|10 1 1|10 2 2 A|10 2 9 A|10 2 10|10 2 4|10 2 15 => +- I /
+# Submitted again with four words: time and user type change.
++|11 1 1 A => A ana@x 100 15 11:00:00 -  /
+# Without a submission the rest is told, but the id is not taken; a virus gives it.
+10 2 2 A r|10 2 4 A => 0 - 0 - 15 10:00:00  /r 15 10:00:00 Mensagem entregue./
+10 2 15 A => A - 0 - - V /
+# Refused twice, then taken: the first entry is left without a text.
++|10 2 9 A r|10 2 9 A r|11 2 2 A r => +- I /r 15 11:00:00 /r 15 10:00:00 E Destinat=E1rio r inv=E1lido./
++|10 2 9 A r|11 2 4 B => +- IE /r 15 10:00:00 E Destinat=E1rio r inv=E1lido./
+# A connection error counts if it still pends at the end of any message.
++|10 2 5 A y.test => +- I <Q>/
++|10 2 5 A y.test|10 2 4 B => +- IE <Q>/
++|10 2 5 A y.test z => +- I Erro contactando o dom=EDnio y.test./
++|10 2 5 A|10 2 4 B => +- I <Q>/
++|10 2 5 A y.test|10 2 2 B y.test|10 2 4 B => +- I <Q>/
++|10 2 5 A y.test|10 2 2 B r@y.test|10 2 4 B => +- IE <Q>/
+# Dated sentences follow each other; a final error replaces them.
++|10 2 11 A|10 2 13 A x => +- IE <D>A conex=E3o foi encerrada no meio da transmiss=E3o=0A<D>A mensagem foi rejeitada (muito grande).=0A/
++|10 2 8 A mx|10 2 8 A => +- IE <D>Mensagem rejeitada pelo relay mx remetente invalido.=0A<D>Mensagem rejeitada pelo relay.=0A/
++|10 2 11 A|10 2 10 A 550 nao  existe => +- IEF 550 nao  existe /
++|10 2 13 A|10 2 10 A => +- IEF <D>A mensagem foi rejeitada (muito grande).=0A/
+# Lines of three words hit whatever message is traced.
+10 2 13|10 2 8|10 2 11|10 2 5 => 0 - 0 - - E <Q>/
+)");
+    for (const auto& [caso, resposta] : tabela) {
+        std::string quer = troca(resposta, "<Q>", "Erro contactando o dom\xEDnio de destino.");
+        quer = troca(troca(quer, "<D>", "15/03/2009 10:00:00 - "), "+", "A ana@x 100 15 09:00:00 ");
+        const std::string linhas = troca(caso, "+", "9 1 1 A INTERNO ana@x 100");
+        EXPECT_EQ(Relato().compacto(d15, linhas).trace("A", inicio, fim), quer) << linhas;
+    }
+    const std::string r200(200, 'r');  // the longest name that is taken
+    EXPECT_EQ(Relato()
+                  .compacto(d15, "9 2 2 A " + r200 + "|9 2 2 A r" + r200 + "|9 2 9 A r" + r200)
+                  .trace("A", inicio, fim),
+              "0 - 0 - -  /" + r200 + " 15 09:00:00 Mensagem entregue./");
+}
+
+// A sentence is told only while it finds its room in the 1024 bytes; the flag is set in any case.
+TEST(Relatorios, espacoDoTextoDoTrace) {
+    const struct {
+        std::string linha;
+        std::size_t precisa;  // told when the text there leaves more room than this
+        std::size_t escreve;
+    } tabela[] = {
+        {" 2 11 A", 47 + 50, 22 + 47},
+        {" 2 13 A", 41, 22 + 41},
+        {" 2 8 A " + std::string(100, 'm'), 100 + 80, 22 + 51 + 100},
+        {" 2 8 A", 0, 22 + 31},
+    };
+    for (const auto& c : tabela)
+        for (const std::size_t sobra : {c.precisa + 1, std::max<std::size_t>(c.precisa, 1)}) {
+            const std::size_t ha = 1024 - sobra;
+            Relato r;
+            r.compacto(d15, "9 2 10 A " + std::string(ha - 1, 'z') + "|10" + c.linha);
+            Msg m("0", 0);
+            r.p.msg_trace("A", hora(inicio), hora(fim), &m);
+            const std::size_t com = std::min<std::size_t>(ha + c.escreve, 1023);
+            EXPECT_EQ(std::strlen(m.str_error), sobra > c.precisa ? com : ha) << c.linha[3] << ha;
+            EXPECT_TRUE(m.error);
+        }
+    const std::string longo(1022, 'a');
+    EXPECT_EQ(Relato().compacto(d15, "9 2 10 A " + longo + " b c").trace("A", inicio, fim),
+              "0 - 0 - - F " + longo + " /");
+}
+
+// --- One user's messages ----------------------------------------------------------------------
+
+TEST(Relatorios, mensagensFiltros) {
+    const std::string A = "A Ana.Silva@aqui 1023 15 09:00:00 S I /",
+                      B = "B bia@aqui 1024 15 11:00:00 S I /",
+                      C = "C eva@fora 1025 15 13:00:00 S  /",
+                      An = "A Ana.Silva@aqui 1023 15 10:00:00 N I /",
+                      Bn = "B bia@aqui 1024 15 12:00:00 N I /",
+                      Cn = "C eva@fora 1025 15 14:00:00 N  /", Dn = "D - 0 15 15:00:00 N  /";
+    const char* const nada = nullptr;
+    const struct {
+        const char *para, *de, *id;
+        int min, max;
+        std::string quer;
+    } tabela[] = {
+        {nada, nada, nada, 0, 0, C + B + A},
+        {nada, nada, nada, 1, 0, C + B},
+        {nada, nada, nada, 0, 1, B + A},
+        {nada, nada, nada, -1, 0, ""},
+        {nada, nada, nada, 4194304, 0, ""},  // 4 GiB and more: beyond 32 bits of bytes
+        {nada, nada, nada, 0, 4194305, C + B + A},
+        {nada, "ana", nada, 0, 0, A},
+        {nada, "x,EVA@,ana.silva", nada, 0, 0, C + A},
+        {nada, "ana.silva@aquix", nada, 0, 0, ""},
+        {nada, "x,,y", nada, 0, 0, C + B + A},  // an empty name begins everybody's
+        {nada, "", nada, 0, 0, ""},
+        {nada, "   ", nada, 0, 0, ""},
+        {"ana", nada, nada, 0, 0, Dn + Cn + Bn},
+        {"ana@", nada, nada, 0, 0, Dn + Bn},
+        {"ana", nada, nada, 0, 1, Dn + Bn},        // of D no size is known
+        {"ana", "bia", nada, 0, 0, Dn + Cn + Bn},  // sent and received: received
+        {"rui", "ana", nada, 0, 0, An},
+        {nada, nada, "C", 0, 0, Cn},
+        {nada, "ana", "C", 0, 0, Cn},  // one id is shown whoever sent it
+        {nada, nada, "C", 0, 1, ""},
+        {nada, nada, "c", 0, 0, ""},
+        {"ana", nada, "B", 0, 0, Dn + Bn},  // the id narrows only what is known
+    };
+    for (const auto& c : tabela) {
+        Relato r;
+        r.compacto(d15,
+                   "9 1 1 A INTERNO Ana.Silva@aqui 1023|10 1 2 A rui@aqui|"
+                   "11 1 1 B INTERNO bia@aqui 1024|12 2 2 B ANA@fora|"
+                   "13 1 1 C POP eva@fora 1025|14 1 2 C ana|15 1 2 D ana@aqui");
+        EXPECT_EQ(r.mensagens(c.para, c.de, c.id, c.min, c.max, inicio, fim), c.quer)
+            << (c.para ? c.para : "-") << " " << (c.de ? c.de : "-") << " " << (c.id ? c.id : "-");
+    }
+}
+
+// "+" is the submission of A and its row; "<L>" an id of 25 bytes, kept cut to 23 and looked up
+// whole, so that nothing finds it again.
+TEST(Relatorios, mensagensEventos) {
+    const auto tabela = casos(R"(
+9 1 1 A INTERNO ana => A ana 0 15 09:00:00 S I /
+9 1 1 A INTERNO|9 2 2 A|9 2 4|9 2 15|9 2 9 =>
++|10 2 15 A|10 2 4 A => +V /
++|10 2 5 A y => +E Erro conectando y=0A/
++|10 2 5 A|10 2 9 A|10 2 10 A|10 2 11 A|10 2 12 A|10 2 12 A mx => + /
++|10 2 6 A y|10 2 14 A y|10 2 18 A|10 2 7 A|10 2 4 A => + /
++|10 2 8 A|10 2 10 A 550 => +E Erro no sender!/
++|10 2 9 A r => +E Destinat=E1rio inv=E1lido./
++|10 2 10 A 550 => +E /
++|10 2 11 A x => +E Erro na fase data!/
++|10 2 13 A => +E A mensagem foi rejeitada por ser muito grande./
++|10 2 17 A => +E Remetente temporiariamente indispon=EDvel./
+# Submitted again: a row more, which takes the events.
++|10 1 1 A POP eva|10 2 8 A => A eva 0 15 10:00:00 S E Erro no sender!/+ /
+9 1 1 <L>xx INTERNO a 1|9 2 8 <L>xx => <L> a 1 15 09:00:00 S I /
+)");
+    const std::string L = "0123456789abcdefghijklm";
+    for (const auto& [caso, quer] : tabela) {
+        const std::string linhas = troca(troca(caso, "+", "9 1 1 A INTERNO ana 100"), "<L>", L);
+        EXPECT_EQ(
+            Relato().compacto(d15, linhas).mensagens(nullptr, nullptr, nullptr, 0, 0, inicio, fim),
+            troca(troca(quer, "+", "A ana 100 15 09:00:00 S I"), "<L>", L))
+            << linhas;
+    }
+    // What a received message takes over from the events before it: an end leaves it failed unless
+    // the sender was refused. Each delivery of a long id is a row.
+    const std::string quer =
+        "C - 0 15 17:00:00 N E /<L> - 0 15 15:00:00 N  /<L> - 0 15 14:00:00 N  /"
+        "B - 0 15 13:00:00 N  /A ana 100 15 11:00:00 N IVE /";
+    Relato r;
+    r.compacto(d15,
+               troca("9 1 1 A INTERNO ana 100|9 2 15 A|10 2 4 A|11 2 2 A rui|12 2 8 B|12 2 4 B|"
+                     "13 2 2 B rui|14 2 2 <L>xx rui|15 2 2 <L>xx rui|16 2 12 C|17 2 2 C rui",
+                     "<L>", L));
+    EXPECT_EQ(r.mensagens("rui", nullptr, nullptr, 0, 0, inicio, fim), troca(quer, "<L>", L));
+}
+
+// Each is refused once for every argument that it cannot do without, and says so.
+TEST(Relatorios, recusas) {
+    Relato r;
+    LogResult res;
+    Msg m("0", 0);
+    params nada{};
+    InputFiles vazia{};
+    auto& p = r.p;
+    EXPECT_FALSE(p.get_msgs_per_day(6, 5, &res.msgs_day, nullptr));
+    EXPECT_TRUE(p.get_msgs_per_day(5, 5, &res.msgs_day, nullptr));
+    EXPECT_EQ(p.get_msgs_per_hour_per_user(2, 1, "a", &res.msgs_hour), 0);
+    EXPECT_EQ(p.get_msgs_per_hour_per_user(1, 2, nullptr, &res.msgs_hour), 0);
+    EXPECT_EQ(p.get_user_msgs(nullptr, nullptr, nullptr, 0, 0, 2, 1, &res.user_msgs), 0);
+    EXPECT_EQ(p.get_user_msgs(nullptr, nullptr, nullptr, 0, 0, 1, 2, nullptr), 0);
+    EXPECT_EQ(p.msg_trace(nullptr, 1, 2, &m) + p.msg_trace("A", 1, 2, nullptr), 0);
+    EXPECT_EQ(p.msg_trace("A", 2, 1, &m), 0);
+    EXPECT_EQ(p.get_msgs_per_hour(2, 1, &res.msgs_hour) + p.get_msgs_per_hour(1, 2, nullptr), 0);
+    EXPECT_EQ(p.parse_compact_files(nullptr, 1, 2, NONE, &nada), 0);
+    EXPECT_EQ(p.parse_compact_files(&vazia, 1, 2, NONE, nullptr), 0);
+    EXPECT_EQ(p.parse_compact_files(&vazia, 1, 2, NONE, &nada), 1);
+    EXPECT_FALSE(p.parse_consolid_files(nullptr, 1, 2, &res.msgs_day, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(p.parse_consolid_files(&vazia, 2, 1, &res.msgs_day, nullptr, nullptr, nullptr));
+    std::string quer;
+    const std::pair<const char*, int> tracos[] = {
+        {"get_msgs_per_day : Data inicial > data final", 3},
+        {"get_user_msgs : Params inv\xE1lidos.", 2},
+        {"msg_trace : Params. inv\xE1lidos.", 3},
+        {"get_msgs_per_hour : Params inv\xE1lidos.", 2},
+        {"parse_compact_file : Params. incorretos.", 2},
+        {"parse_consolid_files : Params. inv\xE1lidos.", 2}};
+    for (const auto& [t, n] : tracos)
+        for (int i = 0; i < n; ++i) quer += "LogMailFileParser::"s + t + "\r\n";
+    EXPECT_EQ(r.traco(), quer);
+}
+
+}  // namespace
