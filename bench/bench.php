@@ -109,6 +109,45 @@ function razao(array $a, array $b): float
     return mediana(array_map(fn(float $x, float $y) => $x / $y, $a, $b));
 }
 
+// One report measured inside a process of its own; what it answered comes along.
+function relatorio(string $que, string $dados, string $extra = '', int $dias = 1): array
+{
+    global $extensao;
+    $inicio = 1773100800 - ($dias - 1) * 86400;  // 2026-03-10, UTC
+    return unserialize(executa([PHP_BINARY, '-n', '-d', 'memory_limit=-1', '-d', "extension=$extensao",
+        __DIR__ . '/mede_relatorio.php', $que, $dados, (string) $inicio, '1773187199', $extra]));
+}
+
+function iguais(string $que, mixed $nossa, mixed $dele): void
+{
+    $nossa === $dele || para("different answers: $que\n  ours:  " . substr(print_r($nossa, true), 0, 500)
+        . "\n  peer:  " . substr(print_r($dele, true), 0, 500));
+    echo "$que: answers agree\n";
+}
+
+// The reference day, consolidated, and 30 days of its statistics; answers its compact file.
+function dia_consolidado(array $dia): string
+{
+    global $saida;
+    consolida($dia);
+    executa(['rm', '-rf', "$saida/dia", "$saida/mes"]);
+    executa(['cp', '-r', "$saida/dat", "$saida/dia"]);
+    foreach (range(0, 29) as $i) {
+        $pasta = "$saida/mes/" . gmdate('\r\e\l\s_m-y', 1773100800 - $i * 86400);
+        @mkdir($pasta, 0777, true);
+        copy("$saida/dia/rels_03-26/mail_stat_10.txt",
+            "$pasta/mail_stat_" . gmdate('d', 1773100800 - $i * 86400) . '.txt');
+    }
+    return "$saida/dia/rels_03-26/compact_mail_10.txt";
+}
+
+// What a search for the id shows of a message: who accepted it and when.
+function aceites(string $linhas): array
+{
+    preg_match_all('/^([0-9a-f]+) [12] 2 \S+ (\S+)$/m', $linhas, $m, PREG_SET_ORDER);
+    return array_map(fn($l) => "$l[2] " . hexdec($l[1]), $m);
+}
+
 // A row of the table; without a limit it only informs.
 function linha(string $que, float $valor, string $formato, ?float $maximo = null): array
 {
@@ -122,18 +161,52 @@ $menor = dia(100000, 2000);
 $maior = dia(1000000, 2000);
 array_map('confere', [$minimo, $menor, $maior]);
 
+$referencia = dia(200000, 2000);
+$compacto = dia_consolidado($referencia);
+$linhas = new SplFileObject($compacto);
+$linhas->seek(650000);
+do {
+    [, , $status, $id, $tipo, $usuario] = explode(' ', trim($linhas->fgets())) + array_fill(0, 6, '');
+} while ($status !== '1' || $tipo !== 'INTERNO');
+$peritos = [
+    'rg' => ['rg', '-N', $id, $compacto],
+    'mawk_horas' => ['mawk', '-f', __DIR__ . '/horas.awk', $compacto],
+    'mawk_usuario' => ['mawk', '-v', "usuario=$usuario", '-f', __DIR__ . '/usuario.awk', $compacto],
+];
+$relatorios = [
+    'historia' => fn() => relatorio('historia', "$saida/dia", $id),
+    'horas' => fn() => relatorio('horas', "$saida/dia"),
+    'mensagens' => fn() => relatorio('mensagens', "$saida/dia", $usuario),
+    'totais' => fn() => relatorio('totais', "$saida/mes", '', 30),
+    'passeio' => fn() => relatorio('passeio', "$saida/dia"),
+];
+$historia = explode("\n", trim($relatorios['historia']()['resposta']));
+iguais('trace', array_slice($historia, 1), aceites(executa($peritos['rg'])));
+iguais('hours', $relatorios['horas']()['resposta'], executa($peritos['mawk_horas']));
+iguais('user messages', $relatorios['mensagens']()['resposta'], executa($peritos['mawk_usuario']));
+$um_dia = relatorio('totais', "$saida/dia")['resposta'];
+iguais('30 days', $relatorios['totais']()['resposta'], str_repeat($um_dia, 30));
+$passeio = $relatorios['passeio']();
+iguais('walk', $passeio['resposta'], $passeio['simples']['resposta']);
+
 $medidas = [
     'minimo' => fn() => consolida($minimo),
     'menor' => fn() => consolida($menor),
     'maior' => fn() => consolida($maior),
     'wc' => fn() => mede(['wc', '-l', $maior['log']]),
     'mawk' => fn() => mawk($maior),
+    ...array_map(fn(array $comando) => fn() => mede($comando), $peritos),
 ];
 $cpu = $pico = [];
 for ($i = 1; $i <= $rodadas; ++$i) {
     echo "round $i of $rodadas\n";
     foreach ($medidas as $nome => $medida) {
         ['cpu' => $cpu[$nome][], 'pico' => $pico[$nome][]] = $medida();
+    }
+    foreach ($relatorios as $nome => $medida) {
+        $medido = $medida();
+        $cpu[$nome][] = $medido['cpu'];
+        $cpu["$nome, simples"][] = $medido['simples']['cpu'] ?? 0;
     }
 }
 
@@ -151,5 +224,14 @@ $tabela = [
     linha('wc -l, 1,000,000 messages: CPU s', mediana($cpu['wc']), '%.3f'),
     linha('mawk, day totals, 1,000,000 messages: CPU s', mediana($cpu['mawk']), '%.2f'),
     linha('  times the CPU of the consolidation', razao($cpu['mawk'], $cpu['maior']), '%.1f'),
+    linha('trace in a day of 200,000 messages: CPU ms', mediana($cpu['historia']) * 1e3, '%.1f'),
+    linha('  times the CPU of rg for the id', razao($cpu['historia'], $cpu['rg']), '%.2f', 2),
+    linha('hours of that day: CPU ms', mediana($cpu['horas']) * 1e3, '%.0f'),
+    linha('  part of the CPU of mawk', razao($cpu['horas'], $cpu['mawk_horas']), '%.3f', 0.1),
+    linha('user messages of that day: CPU ms', mediana($cpu['mensagens']) * 1e3, '%.0f'),
+    linha('  part of the CPU of mawk', razao($cpu['mensagens'], $cpu['mawk_usuario']), '%.3f', 0.1),
+    linha('30 days of totals: CPU ms', mediana($cpu['totais']) * 1e3, '%.2f', 0.5),
+    linha('walking 100,000 rows: CPU ms', mediana($cpu['passeio']) * 1e3, '%.1f'),
+    linha('  times a plain PHP loop', razao($cpu['passeio'], $cpu['passeio, simples']), '%.2f', 1.5),
 ];
 echo "\n", tabela('<<>>', ['Figure', 'Target', 'Result', ''], $tabela);
