@@ -34,9 +34,8 @@ class LeitorDeCabecas {
     // Shorter lines are not looked at: none that was ever written is.
     static constexpr std::size_t menor = 16;
 
-    // False when the line of `n` bytes is not a usual one. (Always inline: as a call it costs the
-    // trace a fifth of its time.)
-    [[gnu::always_inline]] bool le(const char* linha, std::size_t n, Cabeca& c) {
+    // False when the line of `n` bytes is not a usual one.
+    bool le(const char* linha, std::size_t n, Cabeca& c) {
         if (n < menor || !separados(linha + 8)) return false;
         const bool curto = linha[12] == ' ';
         if (!curto && (!digito(linha[12]) || linha[13] != ' ')) return false;
