@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <memory>
+#include <new>
 
 #include "misc/ncutils.h"
 
@@ -24,6 +25,13 @@ void XmlRegistry::grava() {
     if (isDirty) storage.SaveToFile(GetFilePath());
     isDirty = false;
     storage.Clear();
+}
+
+XmlRegistry::~XmlRegistry() {
+    try {
+        CloseKey();
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 bool XmlRegistry::OpenKey(const VeltoString& key, bool create) {

@@ -23,7 +23,8 @@ class XmlRegistry {
     XmlRegistry(const char* base = "/etc/regdb") : rootPath(base) {}
     XmlRegistry(const XmlRegistry&) = delete;
     XmlRegistry& operator=(const XmlRegistry&) = delete;
-    ~XmlRegistry() { CloseKey(); }
+    // As CloseKey; what there is no memory to write is lost.
+    ~XmlRegistry();
 
     // Opens `key`: from the root when it begins with a backslash, else below the key that is open.
     // With `create` a missing chain of keys is made. False when there is no such key: none is open

@@ -116,11 +116,12 @@ void XmlValueStore::Clear() {
 XmlRegValue* XmlValueStore::acrescenta(const VeltoString& name) {
     if (storeIdx == storeSz) storeSz += 10;
     if (storeSz > alocado_) {
-        alocado_ = std::max(storeSz, alocado_ * 2);
-        XmlRegValue** const novo = new XmlRegValue*[alocado_];
+        const int quantos = std::max(storeSz, alocado_ * 2);
+        XmlRegValue** const novo = new XmlRegValue*[quantos];
         std::copy_n(store, storeIdx, novo);
         delete[] store;
         store = novo;
+        alocado_ = quantos;
     }
     store[storeIdx] = new XmlRegValue;
     store[storeIdx]->name = name;

@@ -126,9 +126,11 @@ time_t LogFileParser::getNextPeriod(time_t t) {
 bool LogFileParser::consolidate(const char* lastConsolidFile) {
     struct Fim {
         LogFileParser* p;
+        bool limpa_debug = true;
         ~Fim() {
             p->fecha_entrada();
             p->relogio_.termina();
+            p->termina(limpa_debug);
         }
     } fim{this};
     relogio_.comeca();
@@ -138,19 +140,15 @@ bool LogFileParser::consolidate(const char* lastConsolidFile) {
     const bool primeiraVez = lastConsolid == 0;
     if (!parada_ && !forceMode && lastConsolid + consolid_period >= now) {
         traco("relatorio de hoje ja foi gerado.\n\n");
-        termina(false);
+        fim.limpa_debug = false;
         return true;
     }
-    if (parada_ || !escolhe_entrada()) {
-        termina(true);
-        return !parada_;
-    }
+    if (parada_ || !escolhe_entrada()) return !parada_;
     struct tm agora = {};
     localtime_r(&now, &agora);
     agora.tm_isdst = -1;
     percorre_dias(forceMode ? mktime(&agora) : meia_noite(now));
     if (!parada_ && (!forceMode || primeiraVez)) createLastConsolidFile(lastConsolidFile);
-    termina(true);
     return !parada_;
 }
 

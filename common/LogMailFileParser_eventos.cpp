@@ -39,9 +39,11 @@ Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
     const Chave c = chave_de(id);
     Msg* m = Lista_msg.procurar(c);
     if (!m) {
-        m = new Msg(id, inicio);
+        auto nova = std::make_unique<Msg>(id, inicio);
+        m = nova.get();
         // A long id is kept cut, so its key is another one.
         c.tamanho < sizeof m->id ? Lista_msg.putFirst(m, c.hash) : Lista_msg.putFirst(m);
+        nova.release();
     }
     return m;
 }
@@ -50,8 +52,10 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
     const Chave c = chave_de(nome);
     Usuario* u = Lista_usu.procurar(c);
     if (!u) {
-        u = new Usuario(nome, periodos);
+        auto novo = std::make_unique<Usuario>(nome, periodos);
+        u = novo.get();
         Lista_usu.putFirst(u, c.hash);
+        novo.release();
     }
     return u;
 }

@@ -204,6 +204,10 @@ int LogMailFileParser::Leitura::divide() {
 
 void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
                                params* par) {
+    struct Fim {
+        Relogio& relogio;
+        ~Fim() { relogio.termina(); }
+    } fim{relogio_};
     relogio_.comeca();
     Leitura l;
     Horas horas(type == MSGS_PER_HOUR ? par->m_hour : nullptr, relogio_);
@@ -243,7 +247,6 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
             acao(*this, e);
         }
     }
-    relogio_.termina();
 }
 
 // Lets the sieve drop what cannot matter to the traced message as it stands now.

@@ -44,7 +44,7 @@ bool LogMailFileParser::readExtraInfo(std::FILE* fp) {
                         &bloqueado, &interno, &inicio, &fim, remetente) == EOF &&
             std::ferror(fp))
             break;
-        Msg* m = new Msg(id, 0);
+        auto m = std::make_unique<Msg>(id, 0);
         m->size = static_cast<std::uint32_t>(tamanho);
         m->start_time = inicio;
         // The last attempt becomes the end: a message carried over is finished, for the next dump,
@@ -54,7 +54,8 @@ bool LogMailFileParser::readExtraInfo(std::FILE* fp) {
         m->spam = spam == 'S';
         m->att_blocked = bloqueado == 'S';
         m->int_user = interno == 'S';
-        Lista_msg.putFirst(m);
+        Lista_msg.putFirst(m.get());
+        m.release();
     }
     return true;
 }

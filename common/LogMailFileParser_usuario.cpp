@@ -16,8 +16,9 @@ struct HashDeId {
 // A filter list; its users live as long as it does.
 class Filtro {
   public:
-    // Names separated by ','; null for no filter.
-    explicit Filtro(const char* nomes) {
+    Filtro() = default;
+    // Takes the names, separated by ','; null for no filter.
+    void define(const char* nomes) {
         if (!nomes) return;
         dado_ = true;
         const std::unique_ptr<char[]> copia(copia_texto(nomes));  // explode cuts in place
@@ -91,7 +92,9 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
         traco("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    Filtro de(remetentes), para(destinatarios);
+    Filtro de, para;
+    de.define(remetentes);
+    para.define(destinatarios);
     params p{};
     p.msgs = msgs;
     p.min_kb = static_cast<std::uint32_t>(min_kb);

@@ -1,10 +1,12 @@
 // A DList with a hash index beside it: the same newest-first answers as a walk, in constant time.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "common/DList.h"
@@ -30,7 +32,8 @@ struct Chave {
 //
 // Keys may repeat; the element nearest the head answers first, as in a walk from first(). Removing
 // it lets the next one answer again. All changes go through the operations below; the table owns
-// its index and, like the list, none of the elements.
+// its index and, like the list, none of the elements. A put that throws std::bad_alloc has changed
+// nothing.
 //
 // The index holds the hash beside the pointer, so that a mismatch touches no element: what costs in
 // a large table is not the comparing but the memory that it has to fetch.
@@ -169,33 +172,41 @@ class Tabela : public DList<T> {
         ++total_;
     }
 
-    // Doubles the places. The walk begins behind a free one, so that no row is cut in two and equal
-    // hashes keep their order.
+    // Doubles the places; when there is no memory for them, all stays as it was. The walk begins
+    // behind a free one, so that no row is cut in two and equal hashes keep their order.
     void cresce() {
-        const Vagas antigas = std::move(vagas_);
-        const std::size_t quantas = antigas ? mascara_ + 1 : 0;
+        const std::size_t quantas = vagas_ ? mascara_ + 1 : 0;
         std::size_t livre = 0;
-        while (livre < quantas && antigas[livre].e) ++livre;
-        abre(quantas ? quantas * 2 : minimo_);
+        while (livre < quantas && vagas_[livre].e) ++livre;
+        const Vagas antigas = troca(quantas ? quantas * 2 : minimo_);
         for (std::size_t i = 0; i < quantas; ++i) {
             const Vaga& v = antigas[(livre + i) & (quantas - 1)];
             if (v.e) indexa_ultimo(v);
         }
     }
 
-    void reindexa() {
-        vagas_.reset();
-        mascara_ = 0;
-        if (total_ == 0) return;
+    // Never fails: fewer elements fit into the places that there are.
+    void reindexa() noexcept {
         std::size_t quantas = minimo_;
         while (total_ * 4 > quantas * 3) quantas *= 2;
-        abre(quantas);
+        try {
+            if (total_ == 0)
+                vagas_.reset();
+            else
+                troca(quantas);
+        } catch (const std::bad_alloc&) {
+            std::fill_n(vagas_.get(), mascara_ + 1, Vaga{});
+        }
+        if (!vagas_) mascara_ = 0;
         for (T* e = this->tail; e; e = e->prev) indexa_primeiro(e, Chave(chave(*e)).hash);
     }
 
-    void abre(std::size_t quantas) {
-        vagas_ = Vagas(static_cast<Vaga*>(toma_zerada(quantas * sizeof(Vaga))), {quantas});
+    // Takes free places instead of those that there are, which it answers.
+    Vagas troca(std::size_t quantas) {
+        Vagas novas(static_cast<Vaga*>(toma_zerada(quantas * sizeof(Vaga))), {quantas});
         mascara_ = quantas - 1;
+        vagas_.swap(novas);
+        return novas;
     }
 
     Vagas vagas_;

@@ -22,7 +22,8 @@ Trabalho* Trabalhos::novo(const char* id) {
     const Chave chave(cortado);
     Trabalho* t = indice_.procurar(chave);
     if (!t) {
-        t = &registros_.emplace_back();
+        if (!registros_) registros_.emplace();
+        t = &registros_->emplace_back();
         std::memcpy(t->id, cortado, sizeof cortado);
         indice_.putFirst(t, chave.hash);
         return t;
@@ -33,7 +34,7 @@ Trabalho* Trabalhos::novo(const char* id) {
     return t;
 }
 
-void Trabalhos::esquece() {
+void Trabalhos::esquece() noexcept {
     indice_.esquece();
-    std::deque<Trabalho>().swap(registros_);
+    registros_.reset();
 }

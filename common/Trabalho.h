@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 
 #include "common/Tabela.h"
 
@@ -37,9 +38,9 @@ class Trabalhos {
     Trabalho* acha_ou_novo(const char* id);
     // A record without anything in it, in place of the one that the id had.
     Trabalho* novo(const char* id);
-    void esquece();
+    void esquece() noexcept;
 
   private:
     Tabela<Trabalho> indice_;
-    std::deque<Trabalho> registros_;
+    std::optional<std::deque<Trabalho>> registros_;  // an empty deque would hold memory, too
 };

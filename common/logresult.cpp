@@ -23,7 +23,8 @@ LogResult::LogResult() {
     for (VeltoString* s :
          {&usuario, &msg_id, &msg_sendername, &recipient_status_msg, &recipient_name})
         s->setAllocationPolicy(40, 10);
-    reset();
+    limpa();
+    msg_traced = new Msg("0", 0);  // last: nothing would release it
 }
 
 LogResult::~LogResult() {
@@ -41,6 +42,10 @@ void LogResult::reset() {
     Msg* novo = new Msg("0", 0);
     delete msg_traced;
     msg_traced = novo;
+    limpa();
+}
+
+void LogResult::limpa() {
     for (VeltoString* s :
          {&last_error, &usuario, &msg_id, &msg_sendername, &recipient_status_msg, &recipient_name})
         *s = "";

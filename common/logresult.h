@@ -46,7 +46,7 @@ class LogResult {
     UserMsgs* current_user_msg;
     long enviada;               // 1: sent by a listed sender, 0: received by a listed recipient
     time_t ts = 0;              // not used
-    Msg* msg_traced = nullptr;  // what a trace fills; never null
+    Msg* msg_traced = nullptr;  // what a trace fills; owned, never null
     RCPTO* current_recipient;
     long recipient_time;  // Unix seconds
     VeltoString recipient_status_msg;
@@ -73,6 +73,7 @@ class LogResult {
     int fetch_msgs_per_day();
 
   private:
+    void limpa();
     int copia(const MsgsData& d);
     int copia(const UserMsgs& m);
     int copia_dia();

@@ -39,7 +39,15 @@ int descritores() {
     return abertos;
 }
 
-// Leaks since the last call, told by the sanitizer that a build may have.
+// Lets the sanitizer that a build may have report to standard error as it is now: the process will
+// listen to what is written to it.
+void reserva_avisos() {
+#ifdef __SANITIZE_ADDRESS__
+    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<long>(dup(STDERR_FILENO))));
+#endif
+}
+
+// Leaks since the last call, told by the same.
 bool vazou() {
 #ifdef __SANITIZE_ADDRESS__
     return __lsan_do_recoverable_leak_check() != 0;
@@ -53,6 +61,7 @@ bool vazou() {
 using Trabalho = std::function<std::string(std::size_t em, bool dali, std::size_t& contados)>;
 
 bool pontos(const std::string& nome, const Trabalho& trabalho, std::size_t passo, Lugar& lugar) {
+    reserva_avisos();
     Contagem contagem("memory, " + nome);
     std::size_t total = 0;
     if (const std::string erro = trabalho(0, false, total); !erro.empty()) {
@@ -117,8 +126,12 @@ std::string consolidacao(Cenario& c, std::size_t em, bool dali, std::size_t& con
     c.escuta();
     LogMailFileParser p;
     p.debugOut = c.traco();
-    const int saida = sob_falha(em, dali, contados, [&] { return c.consolida(p); });
-    if (saida == recusado && p.debugOut) std::fclose(std::exchange(p.debugOut, nullptr));
+    bool comecou = false;
+    const int saida = sob_falha(em, dali, contados, [&] {
+        comecou = c.aponta(p);
+        return comecou ? c.consolida(p) : recusado;
+    });
+    if (!comecou) std::fclose(std::exchange(p.debugOut, nullptr));
     if (p.debugOut) return "the trace was not closed";
     if (saida == outra_excecao) return "another exception";
     Licenca l;
@@ -133,19 +146,23 @@ std::string relatorio(const Relato& relato, const std::string& dados, const std:
     std::unique_ptr<LogMailFileParser> p;
     std::unique_ptr<LogResult> r;
     std::string texto;
+    bool pronto = false;
     const int saida = sob_falha(em, dali, contados, [&] {
         p = std::make_unique<LogMailFileParser>();
         prepara(*p, dados);
+        pronto = true;
         r = std::make_unique<LogResult>();
         texto = relata(relato, *p, *r, id);
         return feito;
     });
     if (saida == outra_excecao) return "another exception";
-    // An allocation that the C library did without changes nothing, or a day file was passed over.
+    // No exception: the C library did without, or a day file that could not be opened is missing.
     if (em == 0 && texto != certo) return "two answers differ";
-    if (r) relata(relato, p ? *p : *(p = std::make_unique<LogMailFileParser>()), *r, id);
-    if (!p || saida == feito) p = std::make_unique<LogMailFileParser>();
-    if (!p->domains.first()) prepara(*p, dados);
+    if (!pronto) {
+        p = std::make_unique<LogMailFileParser>();
+        prepara(*p, dados);
+    }
+    if (r) relata(relato, *p, *r, id);  // with the rows that are in it already
     LogResult outro;
     return relata(relato, *p, outro, id) == certo ? "" : "the next report differs";
 }
@@ -180,10 +197,6 @@ std::string mais_longa(const std::string& dados) {
 }  // namespace
 
 bool varre_memoria(const std::string& pasta, bool tudo) {
-#ifdef __SANITIZE_ADDRESS__
-    // Standard error is listened to.
-    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<long>(dup(STDERR_FILENO))));
-#endif
     const std::size_t passo = tudo ? 1 : 7;
     bool bom = true;
     Cenario c({"memory", false, false, tudo ? 400u : 90u}, pasta);

@@ -69,6 +69,7 @@ const char* nome(int saida) {
 Cenario::Cenario(const Feitio& feitio, const std::string& pasta)
     : feitio_(feitio),
       raiz_(pasta + "/" + feitio.nome),
+      ultimo_(raiz_ + "/last"),
       agora_(feitio.primeira ? "2009-04-01 12:00:00" : hoje) {
     gerador::Parametros p;
     p.diretorio = raiz_ + "/LOGS";
@@ -172,11 +173,13 @@ void Cenario::repoe() {
     escreve("last", velho_);
 }
 
-int Cenario::consolida(LogMailFileParser& p) {
+bool Cenario::aponta(LogMailFileParser& p) const {
     p.relogio_do_sistema = le_relogio;
-    p.setLogDir((raiz_ + "/LOGS").c_str());
-    if (!p.setDataDir((raiz_ + "/DAT").c_str())) return recusado;
-    return p.consolidate((raiz_ + "/last").c_str()) ? feito : parado;
+    return p.setLogDir((raiz_ + "/LOGS").c_str()) && p.setDataDir((raiz_ + "/DAT").c_str());
+}
+
+int Cenario::consolida(LogMailFileParser& p) const {
+    return p.consolidate(ultimo_.c_str()) ? feito : parado;
 }
 
 void Cenario::escuta() {
@@ -189,7 +192,7 @@ int Cenario::consolida() {
     try {
         LogMailFileParser p;
         p.debugOut = traco_;
-        return consolida(p);
+        return aponta(p) ? consolida(p) : recusado;
     } catch (const std::bad_alloc&) {
         return sem_memoria;
     } catch (...) {
@@ -235,7 +238,9 @@ std::string Cenario::julga(int saida, const Licenca& licenca, LogMailFileParser*
 
     // The next run gives the right tree; where the point went on without all that belongs to it,
     // once the point is put back.
-    const auto corre = [&] { return de_novo ? consolida(*de_novo) : consolida(); };
+    const auto corre = [&] {
+        return de_novo && aponta(*de_novo) ? consolida(*de_novo) : consolida();
+    };
     int depois = corre();
     const bool repetir =
         licenca.log_pulado || (feitio_.travessia && ponto != velho_ && ponto != novo_);

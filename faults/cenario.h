@@ -53,8 +53,10 @@ class Cenario {
     std::FILE* traco() const { return traco_; }
     // Consolidates with a new parser; answers a Saida.
     int consolida();
-    // The same with a parser of the caller's; exceptions leave it.
-    int consolida(LogMailFileParser& p);
+    // The same with a parser of the caller's; exceptions leave it. It is given its directories
+    // first, which it may refuse (false).
+    bool aponta(LogMailFileParser& p) const;
+    int consolida(LogMailFileParser& p) const;
     // Judges what a disturbed run left, runs once more undisturbed, judges that. Answers what is
     // wrong, or "".
     std::string julga(int saida, const Licenca& licenca, LogMailFileParser* de_novo = nullptr);
@@ -71,6 +73,7 @@ class Cenario {
 
     Feitio feitio_;
     std::string raiz_;
+    std::string ultimo_;  // path of the last-consolidation file
     std::string agora_;
     std::FILE* traco_ = nullptr;
     std::string velho_, novo_;      // the point before and after the run
