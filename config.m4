@@ -44,7 +44,7 @@ if test "$PHP_VT_MREL" != "no"; then
     php/vtmrel_itr.cpp
     php/vtmrel_obj.cpp
   "
-  dnl At most level 2 of the fortified functions: the string library formats with the size of its whole record as the limit.
+  dnl Level 2 of the fortified functions, whatever the distribution adds: level 3 takes a limit that is the whole of a record for an overflow.
   VT_MREL_FLAGS="-std=c++20 -O2 -fvisibility=hidden -Wall -Wextra -Wformat=2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2"
   PHP_NEW_EXTENSION(vt_mrel, $VT_MREL_SOURCES, $ext_shared, , $VT_MREL_FLAGS, cxx)
   PHP_ADD_INCLUDE($ext_srcdir)
