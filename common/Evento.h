@@ -22,7 +22,7 @@ class Evento {
     void separa(const char* linha, std::size_t n);
 
     // The word `i`, null when the line has fewer.
-    const char* palavra(int i) const { return palavras_[i]; }
+    const char* palavra(int i) const { return i < lidas_ ? texto_ + palavras_[i].inicio : nullptr; }
     Agent agente() const { return agente_; }
     Status status() const { return status_; }
     // Word 3, the message's id, as a key; its text is null when there is none.
@@ -31,15 +31,23 @@ class Evento {
     const Chave& usuario() const { return usuario_; }
 
   private:
+    // Positions in texto_.
+    struct Palavra {
+        std::uint16_t inicio, fim;
+    };
     static constexpr std::size_t inicio_das_palavras_ = 26;
+    static constexpr std::size_t maior_ = 299;  // bytes of a line that count
 
+    bool separa_regular(const char* texto, std::size_t n);
+    void separa_qualquer(std::size_t n);
     Chave chave_da(int i, const char* linha) const;
 
     Agent agente_;
     Status status_;
+    int lidas_;
     Chave id_, usuario_;
     // One word more than is read: the last one is cut.
-    char* palavras_[palavras_lidas + 1];
-    std::size_t tamanhos_[palavras_lidas + 1];
-    char texto_[300];
+    Palavra palavras_[palavras_lidas + 1];
+    char texto_[maior_ - inicio_das_palavras_ +
+                1];  // the line from inicio_das_palavras_ on, its words ended by NUL
 };

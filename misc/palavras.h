@@ -42,6 +42,63 @@ inline std::uint64_t marcas(const char* p, std::size_t n) {
 }
 #endif
 
+// What separates the words of a text of up to 128 bytes: bit i of the first or second half stands
+// for its byte i.
+struct Separadores {
+    static constexpr std::size_t maior = 128;
+
+    std::uint64_t brancos[2];
+    std::uint64_t finais[2];  // LF, CR and NUL
+
+    // The first of the final bytes, or `n` when there is none.
+    std::size_t fim(std::size_t n) const {
+        if (finais[0]) return static_cast<unsigned>(std::countr_zero(finais[0]));
+        if (finais[1]) return 64 + static_cast<unsigned>(std::countr_zero(finais[1]));
+        return n;
+    }
+};
+
+// Copies `n` bytes, at most Separadores::maior, and tells what separates their words.
+inline void copia_separando_um_a_um(char* para, const char* de, std::size_t n, Separadores& s) {
+    s = {};
+    for (std::size_t i = 0; i < n; ++i) {
+        para[i] = de[i];
+        s.brancos[i / 64] |= std::uint64_t{de[i] == ' '} << i % 64;
+        s.finais[i / 64] |= std::uint64_t{de[i] == '\0' || (marca(de[i]) && de[i] != ' ')}
+                            << i % 64;
+    }
+}
+
+#ifdef __SSE2__
+inline void copia_separando(char* para, const char* de, std::size_t n, Separadores& s) {
+    if (n < 16) return copia_separando_um_a_um(para, de, n, s);
+    s = {};
+    const auto dezesseis = [&](std::size_t i) {
+        const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(de + i));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(para + i), texto);
+        const __m128i branco = _mm_cmpeq_epi8(texto, _mm_set1_epi8(' '));
+        const __m128i lf = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\n'));
+        const __m128i cr = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\r'));
+        const __m128i nul = _mm_cmpeq_epi8(texto, _mm_setzero_si128());
+        const __m128i fim = _mm_or_si128(nul, _mm_or_si128(lf, cr));
+        const auto b = static_cast<unsigned>(_mm_movemask_epi8(branco));
+        const auto f = static_cast<unsigned>(_mm_movemask_epi8(fim));
+        s.brancos[i / 64] |= std::uint64_t{b} << i % 64;
+        s.finais[i / 64] |= std::uint64_t{f} << i % 64;
+        if (i % 64 <= 48) return;
+        s.brancos[1] |= std::uint64_t{b} >> (64 - i % 64);
+        s.finais[1] |= std::uint64_t{f} >> (64 - i % 64);
+    };
+    for (std::size_t i = 0; i + 16 < n; i += 16) dezesseis(i);
+    // The last sixteen may overlap those before them, and say the same about them.
+    dezesseis(n - 16);
+}
+#else
+inline void copia_separando(char* para, const char* de, std::size_t n, Separadores& s) {
+    copia_separando_um_a_um(para, de, n, s);
+}
+#endif
+
 // Walks over the marks of a text of known length.
 class Marcas {
   public:
