@@ -22,7 +22,8 @@ Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? p
     std::unique_ptr<std::uint32_t[]> grande;
     if (num_periods > periodos_usuais_)
         grande = std::make_unique_for_overwrite<std::uint32_t[]>(contadores_ * num_periods);
-    const std::size_t n = nome ? std::strlen(nome) + 1 : 0;
+    tamanho_do_nome_ = nome ? std::strlen(nome) : 0;
+    const std::size_t n = nome ? tamanho_do_nome_ + 1 : 0;
     name = n > sizeof nome_ ? copia_texto(nome) : nome ? nome_ : nullptr;
     if (name == nome_) std::memcpy(nome_, nome, n);
     std::uint32_t* p = grande ? grande.release() : bloco_;

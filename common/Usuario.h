@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/Tabela.h"
+
 // Selects one counter array.
 enum InfoType : std::int32_t {
     SENT = 0,
@@ -85,16 +87,21 @@ class Usuario {
         return 1;
     }
     std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
+    friend bool tem_chave(const Usuario& u, const Chave& c);
 
     static constexpr std::size_t contadores_ = 8;
     static constexpr std::size_t periodos_usuais_ = 24;
 
     // The name and the eight arrays, one behind the other, stand in the record itself unless they
     // are larger than usual: what an event touches lies together.
+    std::size_t tamanho_do_nome_;
     char nome_[88];
     std::uint32_t bloco_[contadores_ * periodos_usuais_];
 };
 
 inline const char* chave(const Usuario& u) {
     return u.name ? u.name : "";
+}
+inline bool tem_chave(const Usuario& u, const Chave& c) {
+    return u.tamanho_do_nome_ == c.tamanho && mesmos_bytes(chave(u), c.texto, c.tamanho);
 }

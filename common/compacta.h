@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 
@@ -20,13 +21,6 @@ struct Cabeca {
     int status;      // field 2
     std::size_t id;  // where field 3 begins
 };
-
-// The first eight bytes of a text that has as many.
-inline std::uint64_t oito_bytes(const char* p) {
-    std::uint64_t v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
 
 // Reads heads one after the other; of lines of the same second the time is converted once.
 class LeitorDeCabecas {

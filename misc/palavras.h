@@ -50,11 +50,29 @@ struct Separadores {
     std::uint64_t brancos[2];
     std::uint64_t finais[2];  // LF, CR and NUL
 
-    // The first of the final bytes, or `n` when there is none.
-    std::size_t fim(std::size_t n) const {
-        if (finais[0]) return static_cast<unsigned>(std::countr_zero(finais[0]));
-        if (finais[1]) return 64 + static_cast<unsigned>(std::countr_zero(finais[1]));
+    // Forgets the blanks behind the first of the final bytes. Answers where it stands, or `n`.
+    std::size_t corta(std::size_t n) {
+        for (std::size_t metade = 0; metade < 2; ++metade) {
+            if (finais[metade] == 0) continue;
+            const std::uint64_t antes = (finais[metade] & -finais[metade]) - 1;
+            brancos[metade] &= antes;
+            if (metade == 0) brancos[1] = 0;
+            return metade * 64 + static_cast<unsigned>(std::countr_zero(finais[metade]));
+        }
         return n;
+    }
+
+    // Whether a blank stands directly behind another.
+    bool seguidos() const {
+        return ((brancos[0] & brancos[0] >> 1) | (brancos[1] & brancos[1] >> 1) |
+                (brancos[0] >> 63 & brancos[1])) != 0;
+    }
+
+    template <class Acao>
+    void para_cada_branco(Acao acao) const {
+        for (std::size_t metade = 0; metade < 2; ++metade)
+            for (std::uint64_t m = brancos[metade]; m != 0; m &= m - 1)
+                acao(metade * 64 + static_cast<unsigned>(std::countr_zero(m)));
     }
 };
 
