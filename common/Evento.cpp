@@ -22,14 +22,14 @@ void Evento::separa(const char* linha, std::size_t n) {
         usuario_ = chave_da(7);
 }
 
-// Takes a line of the usual kind: not long, one blank between the words, none behind the last.
-// False when it is of another kind.
+// Takes a line of the usual kind: not long, one blank between the words, none behind the last, and
+// the line's end behind that. False when it is of another kind.
 bool Evento::separa_regular(const char* texto, std::size_t n) {
     if (n > Separadores::maior) return false;
-    Separadores s;
-    copia_separando(texto_, texto, n, s);
+    Separadores s = copia_separando(texto_, texto, n);
     const std::size_t fim = s.corta(n);
     if (fim == 0 || texto[fim - 1] == ' ' || s.seguidos()) return false;
+    if (fim < n && texto[fim] != '\0' && !marca(texto[fim])) return false;
     std::uint16_t* p = separadores_;
     s.para_cada_branco([&](std::size_t i) {
         texto_[i] = '\0';

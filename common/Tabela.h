@@ -30,8 +30,7 @@ inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
         std::memcpy(&palavra, chave, tamanho);
     } else {
         const char* ultima = chave + tamanho - sizeof palavra;
-        for (; chave < ultima; chave += sizeof palavra)
-            h = mistura_na_chave(h, oito_bytes(chave));
+        for (; chave < ultima; chave += sizeof palavra) h = mistura_na_chave(h, oito_bytes(chave));
         palavra = oito_bytes(ultima);
     }
     h = mistura_na_chave(h, palavra);

@@ -73,6 +73,7 @@ class Usuario {
     int incAttBlocked(unsigned periodo, int n) { return soma(att_blocked, periodo, n); }
 
     const char* getName() const { return name; }
+    std::size_t tamanho_do_nome() const { return tamanho_do_nome_; }  // 0 when there is none
     unsigned getNumPeriods() const { return num_periods; }
 
     // One counter of a period; of all periods when `periodo` is negative; 0 outside.
@@ -87,7 +88,6 @@ class Usuario {
         return 1;
     }
     std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
-    friend bool tem_chave(const Usuario& u, const Chave& c);
 
     static constexpr std::size_t contadores_ = 8;
     static constexpr std::size_t periodos_usuais_ = 24;
@@ -103,5 +103,5 @@ inline const char* chave(const Usuario& u) {
     return u.name ? u.name : "";
 }
 inline bool tem_chave(const Usuario& u, const Chave& c) {
-    return u.tamanho_do_nome_ == c.tamanho && mesmos_bytes(chave(u), c.texto, c.tamanho);
+    return u.tamanho_do_nome() == c.tamanho && mesmos_bytes(chave(u), c.texto, c.tamanho);
 }

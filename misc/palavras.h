@@ -48,16 +48,15 @@ struct Separadores {
     static constexpr std::size_t maior = 128;
 
     std::uint64_t brancos[2];
-    std::uint64_t finais[2];  // LF, CR and NUL
+    std::uint64_t controles[2];  // bytes up to CR: what ends a line is among them
 
-    // Forgets the blanks behind the first of the final bytes. Answers where it stands, or `n`.
+    // Forgets the blanks behind the first of the controls. Answers where it stands, or `n`.
     std::size_t corta(std::size_t n) {
         for (std::size_t metade = 0; metade < 2; ++metade) {
-            if (finais[metade] == 0) continue;
-            const std::uint64_t antes = (finais[metade] & -finais[metade]) - 1;
-            brancos[metade] &= antes;
+            if (controles[metade] == 0) continue;
+            brancos[metade] &= (controles[metade] & -controles[metade]) - 1;
             if (metade == 0) brancos[1] = 0;
-            return metade * 64 + static_cast<unsigned>(std::countr_zero(finais[metade]));
+            return metade * 64 + static_cast<unsigned>(std::countr_zero(controles[metade]));
         }
         return n;
     }
@@ -77,43 +76,58 @@ struct Separadores {
 };
 
 // Copies `n` bytes, at most Separadores::maior, and tells what separates their words.
-inline void copia_separando_um_a_um(char* para, const char* de, std::size_t n, Separadores& s) {
-    s = {};
+inline Separadores copia_separando_um_a_um(char* para, const char* de, std::size_t n) {
+    Separadores s{};
     for (std::size_t i = 0; i < n; ++i) {
         para[i] = de[i];
         s.brancos[i / 64] |= std::uint64_t{de[i] == ' '} << i % 64;
-        s.finais[i / 64] |= std::uint64_t{de[i] == '\0' || (marca(de[i]) && de[i] != ' ')}
-                            << i % 64;
+        s.controles[i / 64] |= std::uint64_t{static_cast<unsigned char>(de[i]) <= '\r'} << i % 64;
     }
+    return s;
 }
 
 #ifdef __SSE2__
-inline void copia_separando(char* para, const char* de, std::size_t n, Separadores& s) {
-    if (n < 16) return copia_separando_um_a_um(para, de, n, s);
-    s = {};
-    const auto dezesseis = [&](std::size_t i) {
-        const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(de + i));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(para + i), texto);
-        const __m128i branco = _mm_cmpeq_epi8(texto, _mm_set1_epi8(' '));
-        const __m128i lf = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\n'));
-        const __m128i cr = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\r'));
-        const __m128i nul = _mm_cmpeq_epi8(texto, _mm_setzero_si128());
-        const __m128i fim = _mm_or_si128(nul, _mm_or_si128(lf, cr));
-        const auto b = static_cast<unsigned>(_mm_movemask_epi8(branco));
-        const auto f = static_cast<unsigned>(_mm_movemask_epi8(fim));
-        s.brancos[i / 64] |= std::uint64_t{b} << i % 64;
-        s.finais[i / 64] |= std::uint64_t{f} << i % 64;
-        if (i % 64 <= 48) return;
-        s.brancos[1] |= std::uint64_t{b} >> (64 - i % 64);
-        s.finais[1] |= std::uint64_t{f} >> (64 - i % 64);
+struct Dezesseis {
+    std::uint64_t brancos, controles;
+};
+
+inline Dezesseis copia_16(char* para, const char* de) {
+    const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(de));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(para), texto);
+    const __m128i branco = _mm_cmpeq_epi8(texto, _mm_set1_epi8(' '));
+    const __m128i controle = _mm_cmpeq_epi8(texto, _mm_min_epu8(texto, _mm_set1_epi8('\r')));
+    return {static_cast<unsigned>(_mm_movemask_epi8(branco)),
+            static_cast<unsigned>(_mm_movemask_epi8(controle))};
+}
+
+inline Separadores copia_separando(char* para, const char* de, std::size_t n) {
+    if (n < 16) return copia_separando_um_a_um(para, de, n);
+    Separadores s{};
+    std::size_t metade = 0;
+    const auto junta = [&](std::size_t i, const Dezesseis& d) {
+        s.brancos[metade] |= d.brancos << i;
+        s.controles[metade] |= d.controles << i;
     };
-    for (std::size_t i = 0; i + 16 < n; i += 16) dezesseis(i);
+    if (n >= 64) {
+        for (std::size_t i = 0; i < 64; i += 16) junta(i, copia_16(para + i, de + i));
+        metade = 1;
+    }
+    const std::size_t antes = metade * 64;
+    const std::size_t resto = n - antes;
+    for (std::size_t i = 0; i + 16 < resto; i += 16)
+        junta(i, copia_16(para + antes + i, de + antes + i));
+    if (resto == 0) return s;
     // The last sixteen may overlap those before them, and say the same about them.
-    dezesseis(n - 16);
+    const Dezesseis d = copia_16(para + n - 16, de + n - 16);
+    if (resto >= 16)
+        junta(resto - 16, d);
+    else
+        junta(0, {d.brancos >> (16 - resto), d.controles >> (16 - resto)});
+    return s;
 }
 #else
-inline void copia_separando(char* para, const char* de, std::size_t n, Separadores& s) {
-    copia_separando_um_a_um(para, de, n, s);
+inline Separadores copia_separando(char* para, const char* de, std::size_t n) {
+    return copia_separando_um_a_um(para, de, n);
 }
 #endif
 
