@@ -15,11 +15,9 @@ void Evento::separa(const char* linha, std::size_t n) {
     agente_ = getAgent(palavra(0));
     status_ = getStatus(palavra(1));
     id_ = chave_da(3);
-    usuario_ = Chave();
-    if (status_ == OK && (agente_ == MAILQ || agente_ == MAILSMTP))
-        usuario_ = chave_da(5);
-    else if (status_ == SUBMIT && agente_ == MAILQ && getUserType(palavra(5)) == INTERNO)
-        usuario_ = chave_da(7);
+    const bool aceita = status_ == OK && (agente_ == MAILQ || agente_ == MAILSMTP);
+    toca_usuario_ = aceita || (submissao() && getUserType(palavra(5)) == INTERNO);
+    endereco_ = aceita ? chave_da(5) : submissao() ? chave_da(7) : Chave();
 }
 
 // Takes a line of the usual kind: not long, one blank between the words, none behind the last, and

@@ -28,8 +28,13 @@ class Evento {
     Status status() const { return status_; }
     // Word 3, the message's id, as a key; its text is null when there is none.
     const Chave& id() const { return id_; }
-    // The word that names the user whose record the event will touch; a null text when it is none.
-    const Chave& usuario() const { return usuario_; }
+    // The address that it names, as a key: who submitted the message or accepted it. Its text is
+    // null when it names none.
+    const Chave& endereco() const { return endereco_; }
+    // The user whose record it will touch: the recipient, or a local sender. Else a null text.
+    const char* usuario() const { return toca_usuario_ ? endereco_.texto : nullptr; }
+    // Whether it is a submission.
+    bool submissao() const { return agente_ == MAILQ && status_ == SUBMIT; }
 
   private:
     static constexpr std::size_t inicio_das_palavras_ = 26;
@@ -42,7 +47,8 @@ class Evento {
     Agent agente_;
     Status status_;
     int lidas_;
-    Chave id_, usuario_;
+    bool toca_usuario_;
+    Chave id_, endereco_;
     // The words, each ended by NUL: word i stands in texto_ between two of these positions, which
     // hold a NUL each (the first one ends a word that is not kept).
     std::uint16_t separadores_[Separadores::maior / 2 + 2];

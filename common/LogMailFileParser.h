@@ -190,13 +190,13 @@ class LogMailFileParser : public LogFileParser {
     std::size_t tamanho_de(const char* texto) const {
         if (evento_ && texto == T_) return tamanho_de_T_;
         if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
-        if (evento_ && texto == evento_->usuario().texto) return evento_->usuario().tamanho;
+        if (evento_ && texto == evento_->endereco().texto) return evento_->endereco().tamanho;
         return std::strlen(texto);
     }
     // A text given to a handler, as a key. When it is a word of the line, its hash is known.
     Chave chave_de(const char* texto) const {
         if (evento_ && evento_->id().texto == texto) return evento_->id();
-        if (evento_ && evento_->usuario().texto == texto) return evento_->usuario();
+        if (evento_ && evento_->endereco().texto == texto) return evento_->endereco();
         return Chave(texto);
     }
     const char* resto_da_linha(std::size_t coluna) const;
@@ -206,6 +206,7 @@ class LogMailFileParser : public LogFileParser {
     bool registra(const char* metodo, Agent agente, Status status, const char* const (&campos)[n],
                   bool fim = true);
     Msg* msg_ou_nova(const char* id, time_t inicio = 0);
+    TextoPartilhado& lembrado(std::uint32_t hash) { return remetentes_[hash % max_remetentes]; }
     TextoPartilhado texto_de(const char* remetente);
     Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
     void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);

@@ -74,10 +74,9 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
 TextoPartilhado LogMailFileParser::texto_de(const char* remetente) {
     if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
     const Chave c = chave_de(remetente);
-    TextoPartilhado& lembrado = remetentes_[c.hash % max_remetentes];
-    if (!lembrado.texto() || std::strcmp(lembrado.texto(), remetente) != 0)
-        lembrado = TextoPartilhado(remetente, c.tamanho);
-    return lembrado;
+    TextoPartilhado& t = lembrado(c.hash);
+    if (!t.igual(c.texto, c.tamanho)) t = TextoPartilhado(c.texto, c.tamanho);
+    return t;
 }
 
 // Counts the message for its local sender in the period of `t`, and one more in another counter of

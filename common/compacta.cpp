@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/auxiliar.h"
+#include "misc/finais.h"
 #include "misc/palavras.h"
 
 bool LeitorDeCabecas::converte(const char* digitos) {
@@ -65,35 +66,17 @@ void LeitorCompacto::passa(Crivo& crivo) {
     leitor_.pula(crivo.sobra(lidos, quantos, maior_linha));
 }
 
-// Takes lines whose ends lie close ahead in what is read.
-void LeitorCompacto::toma_inteiras() {
-    std::size_t quantos;
-    const char* p = leitor_.lidos(quantos);
-    const std::size_t finais = finais_.acha(p, std::min(quantos, trecho));
-    std::size_t inicio = 0;
-    for (; lidas_ < std::min(finais, maior_lote); ++lidas_) {
-        const std::size_t fim = finais_[lidas_] + 1;
-        if (fim - inicio > maior_linha) break;
-        linhas_[lidas_].texto = const_cast<char*>(p + inicio);
-        linhas_[lidas_].tamanho = fim - inicio;
-        inicio = fim;
-    }
-    leitor_.pula(inicio);
-}
-
 bool LeitorCompacto::le_lote(bool so_uma) {
-    lidas_ = tomadas_ = 0;
-    if (!so_uma) toma_inteiras();
-    if (lidas_ == 0) {
-        const char* p;
-        linhas_[0].tamanho = leitor_.proxima(&p, maior_linha);
-        if (linhas_[0].tamanho == 0) return false;
-        linhas_[0].texto = const_cast<char*>(p);
-        lidas_ = 1;
+    LeitorLinhas::Trecho trechos[maior_lote];
+    lidas_ = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
+    tomadas_ = 0;
+    for (std::size_t i = 0; i < lidas_; ++i) {
+        Linha& l = linhas_[i];
+        l.texto = const_cast<char*>(trechos[i].inicio);
+        l.tamanho = trechos[i].tamanho;
+        l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
     }
-    for (std::size_t i = 0; i < lidas_; ++i)
-        linhas_[i].usual = cabecas_.le(linhas_[i].texto, linhas_[i].tamanho, linhas_[i].cabeca);
-    return true;
+    return lidas_ != 0;
 }
 
 std::size_t LeitorCompacto::Linha::tamanho_do_id() const {

@@ -10,7 +10,6 @@
 #include <ctime>
 
 #include "misc/bytes.h"
-#include "misc/finais.h"
 #include "misc/leitor.h"
 
 // The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
@@ -126,13 +125,8 @@ class LeitorCompacto {
     int divide(const Linha& linha, char** campos);
 
   private:
-    static constexpr std::size_t trecho = 2048;  // bytes that a batch is taken from
-
-    void toma_inteiras();
-
     LeitorLinhas leitor_;
     LeitorDeCabecas cabecas_;
-    FinaisDeLinha finais_;
     Linha linhas_[maior_lote];
     std::size_t lidas_ = 0, tomadas_ = 0;
     char copia_[maior_linha + 1];

@@ -31,27 +31,3 @@ inline std::uint64_t finais(const char* p) {
     return finais_um_a_um(p);
 }
 #endif
-
-// The positions of the line feeds in a piece of text, in ascending order.
-class FinaisDeLinha {
-  public:
-    static constexpr std::size_t maior = 4096;  // bytes of a piece
-
-    // Finds those in the first `n` bytes at `p`, at most `maior`; answers how many.
-    std::size_t acha(const char* p, std::size_t n) {
-        std::size_t achados = 0;
-        std::size_t i = 0;
-        for (; i + 64 <= n; i += 64)
-            for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1)
-                posicoes_[achados++] =
-                    static_cast<std::uint16_t>(i + static_cast<unsigned>(std::countr_zero(m)));
-        for (; i < n; ++i)
-            if (p[i] == '\n') posicoes_[achados++] = static_cast<std::uint16_t>(i);
-        return achados;
-    }
-
-    std::size_t operator[](std::size_t i) const { return posicoes_[i]; }
-
-  private:
-    std::uint16_t posicoes_[maior];
-};

@@ -4,8 +4,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cstring>
+
+#include "misc/finais.h"
 
 void LeitorLinhas::abre(int fd, std::size_t leitura) {
     if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco);
@@ -59,11 +62,13 @@ std::size_t LeitorLinhas::varias(Trecho* linhas, std::size_t max, std::size_t li
     linhas[0].tamanho = proxima(&linhas[0].inicio, limite);
     if (linhas[0].tamanho == 0) return 0;
     std::size_t n = 1;
-    for (; n < max; ++n) {
-        const std::size_t tamanho = completa(0, limite);
-        if (tamanho == 0) break;
-        linhas[n] = {memoria_.get() + inicio_, tamanho};
-        inicio_ += tamanho;
-    }
+    const char* p = memoria_.get();
+    for (std::size_t i = inicio_; i + 64 <= fim_; i += 64)
+        for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1) {
+            const std::size_t fim = i + static_cast<unsigned>(std::countr_zero(m)) + 1;
+            if (n == max || fim - inicio_ > limite) return n;
+            linhas[n++] = {p + inicio_, fim - inicio_};
+            inicio_ = fim;
+        }
     return n;
 }

@@ -29,8 +29,8 @@ class LeitorLinhas {
         std::size_t tamanho;
     };
 
-    // As proxima(), and as many of the lines behind it, up to `max` in all, as were read already.
-    // Answers how many (0: as proxima() answers 0). All hold until the next call.
+    // As proxima(), and lines behind it that were read already, up to `max` in all. Answers how
+    // many (0: as proxima() answers 0). All hold until the next call.
     std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
 
     // The bytes that are read and not yet handed out, and passing over the first of them.
