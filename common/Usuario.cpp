@@ -59,8 +59,7 @@ unsigned Usuario::count(InfoType qual, int periodo) const {
     return total(arrays[qual], periodo);
 }
 
-usuStats Usuario::getStats(int periodo) const {
-    return {total(sent, periodo),       total(recv, periodo),       total(bytes_sent, periodo),
-            total(bytes_recv, periodo), total(virus, periodo),      total(spam, periodo),
-            total(error, periodo),      total(att_blocked, periodo)};
+usuStats Usuario::totais() const {
+    return {total(sent, -1),  total(recv, -1), total(bytes_sent, -1), total(bytes_recv, -1),
+            total(virus, -1), total(spam, -1), total(error, -1),      total(att_blocked, -1)};
 }

@@ -79,7 +79,13 @@ class Usuario {
     // One counter of a period; of all periods when `periodo` is negative; 0 outside.
     unsigned count(InfoType qual, int periodo) const;
     // All eight of a period; sums when `periodo` is negative; zeros outside.
-    usuStats getStats(int periodo) const;
+    usuStats getStats(int periodo) const {
+        if (periodo < 0) return totais();
+        const auto p = static_cast<unsigned>(periodo);
+        if (p >= num_periods) return {};
+        return {sent[p],  recv[p], bytes_sent[p], bytes_recv[p],
+                virus[p], spam[p], error[p],      att_blocked[p]};
+    }
 
   private:
     int soma(std::uint32_t* contadores, unsigned periodo, int n) {
@@ -88,6 +94,7 @@ class Usuario {
         return 1;
     }
     std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
+    usuStats totais() const;
 
     static constexpr std::size_t contadores_ = 8;
     static constexpr std::size_t periodos_usuais_ = 24;
