@@ -3,8 +3,8 @@
 //
 //     php -n -d extension=PATH bench/mede_relatorio.php REPORT DATA START END [ARGUMENT]
 //
-// Prints, serialised: seconds of CPU a call, the answer (in ISO-8859-1), and for the walk also the
-// seconds of the same loop over plain objects.
+// Prints, serialised: seconds of CPU a call and the answer (in ISO-8859-1); for the walk also those of
+// the same loop over plain objects.
 declare(strict_types=1);
 
 require __DIR__ . '/relatorios.php';
@@ -65,7 +65,7 @@ function passeio(string $dados, array $intervalo): array
         return [count($objetos), $soma];
     });
     return ['cpu' => $iterador['cpu'] - $resto['resposta'], 'resposta' => $iterador['resposta'],
-        'simples' => $simples];
+        'cpu_simples' => $simples['cpu'], 'resposta_simples' => $simples['resposta']];
 }
 
 [, $que, $dados, $de, $ate] = $argv;
