@@ -42,7 +42,8 @@ function papel(array $dia, int $arquivos, float $cpu, float $bytes, float $horas
         'log of a day, read once' => fn(float $n) => $giga($dia['bytes'] * $n),
         'its two day files, written once' => fn(float $n) => $giga($arquivos * $n),
         'consolidation, on one core' => fn(float $n) => $tempo($cpu * $n),
-        'the same at 200 MB/s of disk, if longer' => fn(float $n) => $tempo(max($cpu, ($dia['bytes'] + $arquivos) / 200e6) * $n),
+        'disk that keeps the core busy' => fn(float $n) => sprintf('%.0f MB/s', ($dia['bytes'] + $arquivos) / $cpu / 1e6),
+        'consolidation, on a disk of 200 MB/s' => fn(float $n) => $tempo(max($cpu, ($dia['bytes'] + $arquivos) / 200e6) * $n),
         'memory for the messages of a day' => fn(float $n) => $giga($bytes * $dia['mensagens'] * $n),
         'the hours of a day, for a page' => fn(float $n) => $tempo($horas * $n),
     ];
