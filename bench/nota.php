@@ -36,14 +36,15 @@ function papel(array $dia, int $arquivos, float $cpu, float $bytes, float $horas
     $tempo = fn(float $s) => $s < 1 ? sprintf('%.0f ms', $s * 1e3)
         : ($s < 300 ? sprintf('%.1f s', $s) : sprintf('%.0f min', $s / 60));
     $giga = fn(float $b) => $b < 1e9 ? sprintf('%.0f MB', $b / 1e6) : sprintf('%s GB', number_format($b / 1e9, 1));
+    $disco = $dia['bytes'] + $arquivos;
     $linhas = [
         'messages a day' => fn(float $n) => number_format($dia['mensagens'] * $n),
         'lines of log a day' => fn(float $n) => number_format($dia['linhas'] * $n),
         'log of a day, read once' => fn(float $n) => $giga($dia['bytes'] * $n),
         'its two day files, written once' => fn(float $n) => $giga($arquivos * $n),
         'consolidation, on one core' => fn(float $n) => $tempo($cpu * $n),
-        'disk that keeps the core busy' => fn(float $n) => sprintf('%.0f MB/s', ($dia['bytes'] + $arquivos) / $cpu / 1e6),
-        'consolidation, on a disk of 200 MB/s' => fn(float $n) => $tempo(max($cpu, ($dia['bytes'] + $arquivos) / 200e6) * $n),
+        'disk that keeps the core busy' => fn(float $n) => sprintf('%.0f MB/s', $disco / $cpu / 1e6),
+        'consolidation, on a disk of 200 MB/s' => fn(float $n) => $tempo(max($cpu, $disco / 200e6) * $n),
         'memory for the messages of a day' => fn(float $n) => $giga($bytes * $dia['mensagens'] * $n),
         'the hours of a day, for a page' => fn(float $n) => $tempo($horas * $n),
     ];
