@@ -119,6 +119,5 @@ inline const char* chave(const Msg& m) {
     return m.id;
 }
 inline bool tem_chave(const Msg& m, const Chave& c) {
-    return c.tamanho < sizeof m.id && m.id[c.tamanho] == '\0' &&
-           mesmos_bytes(m.id, c.texto, c.tamanho);
+    return igual_ao_campo(m.id, c);
 }

@@ -49,6 +49,12 @@ struct Chave {
     explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
 };
 
+// Whether a key kept in a field of `n` bytes, zero to its end, is this one.
+template <std::size_t n>
+bool igual_ao_campo(const char (&campo)[n], const Chave& c) {
+    return c.tamanho < n && campo[c.tamanho] == '\0' && mesmos_bytes(campo, c.texto, c.tamanho);
+}
+
 // Whether a record's key is this one; records that know the length of theirs have a quicker answer.
 template <class T>
 bool tem_chave(const T& e, const Chave& c) {

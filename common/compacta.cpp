@@ -74,14 +74,20 @@ bool LeitorCompacto::le_lote(bool so_uma) {
         Linha& l = linhas_[i];
         l.texto = const_cast<char*>(trechos[i].inicio);
         l.tamanho = trechos[i].tamanho;
+        l.id = Chave();
         l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
     }
     return lidas_ != 0;
 }
 
-std::size_t LeitorCompacto::Linha::tamanho_do_id() const {
+void LeitorCompacto::Linha::indica() {
+    const char* p = texto + cabeca.id;
     const std::size_t resto = tamanho - cabeca.id;
-    return Marcas(texto + cabeca.id, resto).proxima();
+    // Ids are short: hardly ever does one reach behind what is looked at first.
+    const std::uint64_t m = marcas(p, std::min<std::size_t>(resto, 32));
+    const auto n = m ? static_cast<std::size_t>(std::countr_zero(m)) : Marcas(p, resto).proxima();
+    // A CR ends words, but no field.
+    if (n < resto && p[n] != '\r') id = Chave(p, n);
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {

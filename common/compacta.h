@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "common/Tabela.h"
 #include "misc/bytes.h"
 #include "misc/leitor.h"
 
@@ -24,6 +25,9 @@ struct Cabeca {
 // Reads heads one after the other; of lines of the same second the time is converted once.
 class LeitorDeCabecas {
   public:
+    // What a head can tell of an event's status: two digits.
+    static constexpr int num_status = 100;
+
     // Shorter lines are not looked at: none that was ever written is.
     static constexpr std::size_t menor = 16;
 
@@ -99,8 +103,11 @@ class LeitorCompacto {
         bool usual;  // `cabeca` holds
         Cabeca cabeca;
 
-        // Of a usual line: bytes of field 3.
-        std::size_t tamanho_do_id() const;
+        // Field 3 as a key, told by indica(); else it has no text.
+        Chave id;
+
+        // Of a usual line: makes its id known.
+        void indica();
     };
     static constexpr std::size_t maior_lote = 64;
 
@@ -114,7 +121,9 @@ class LeitorCompacto {
     bool le_lote(bool so_uma);
     const Linha* begin() const { return linhas_; }
     const Linha* end() const { return linhas_ + lidas_; }
+    Linha& operator[](std::size_t i) { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
+    void toma_todas() { tomadas_ = lidas_; }
 
     // Passes over what the sieve lets drop. Only while vazio().
     void passa(Crivo& crivo);
