@@ -261,15 +261,18 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
     if (por_hora_ && !(e.hora = horas_.de(e.t))) return true;
     const Replay::Acao a = l.usual ? acao(l.cabeca) : acao(e.n > 2 ? decimal32(campos_[2]) : 0);
     if (!a) return true;
-    if (l.usual) e.n = leitor_.divide(l, campos_);
-    entrega(a, e, l.id);
+    Chave id;
+    if (l.usual) e.n = leitor_.divide(l, campos_, id);
+    entrega(a, e, id);
     return true;
 }
 
 // The same for a usual line of which is known that it is in range and of this hour.
 void LogMailFileParser::Passada::trata(const LeitorCompacto::Linha& l) {
-    const Lido e{l.cabeca.t, campos_, leitor_.divide(l, campos_), par_, horas_.agora()};
-    entrega((*coluna_)[static_cast<std::size_t>(l.cabeca.status)], e, l.id);
+    Chave id;
+    const int n = leitor_.divide(l, campos_, id);
+    const Lido e{l.cabeca.t, campos_, n, par_, horas_.agora()};
+    entrega((*coluna_)[static_cast<std::size_t>(l.cabeca.status)], e, id);
 }
 
 void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Chave& id) {

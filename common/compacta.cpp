@@ -72,7 +72,7 @@ bool LeitorCompacto::le_lote(bool so_uma) {
     tomadas_ = 0;
     for (std::size_t i = 0; i < lidas_; ++i) {
         Linha& l = linhas_[i];
-        l.texto = const_cast<char*>(trechos[i].inicio);
+        l.texto = trechos[i].inicio;
         l.tamanho = trechos[i].tamanho;
         l.id = Chave();
         l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
@@ -86,8 +86,7 @@ void LeitorCompacto::Linha::indica() {
     // Ids are short: hardly ever does one reach behind what is looked at first.
     const std::uint64_t m = marcas(p, std::min<std::size_t>(resto, 32));
     const auto n = m ? static_cast<std::size_t>(std::countr_zero(m)) : Marcas(p, resto).proxima();
-    // A CR ends words, but no field.
-    if (n < resto && p[n] != '\r') id = Chave(p, n);
+    id = Chave(p, n);
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {
@@ -96,19 +95,23 @@ char* LeitorCompacto::copia(const Linha& linha) {
     return copia_;
 }
 
-int LeitorCompacto::divide(const Linha& linha, char** campos) {
-    const std::size_t n = linha.tamanho - 1;
-    // What a NUL cuts off, or the file's end, is not told by the marks.
-    if (linha.texto[n] != '\n' || std::memchr(linha.texto, '\0', n))
-        return reparte(copia(linha), ' ', campos);
-    linha.texto[n] = '\0';
-    campos[0] = linha.texto;
+int LeitorCompacto::divide(const Linha& linha, char** campos, Chave& id) {
+    const std::size_t n = linha.tamanho;
+    id = Chave();
+    if (n > Separadores::maior) return reparte(copia(linha), ' ', campos);
+    Separadores s = copia_separando(copia_, linha.texto, n);
+    // A line that has not its end, or another control before it, may mean something else.
+    if (s.corta(n) != n - 1 || copia_[n - 1] != '\n') return reparte(copia(linha), ' ', campos);
+    copia_[n - 1] = '\0';
+    campos[0] = copia_;
     int total = 1;
-    Marcas marcas(linha.texto, n);
-    for (std::size_t i; (i = marcas.proxima()) < n;)
-        if (linha.texto[i] == ' ') {
-            linha.texto[i] = '\0';
-            campos[total++] = linha.texto + i + 1;
-        }
+    s.para_cada_branco([&](std::size_t i) {
+        copia_[i] = '\0';
+        campos[total++] = copia_ + i + 1;
+    });
+    if (linha.id.texto) {
+        id = linha.id;
+        id.texto = campos[3];
+    }
     return total;
 }

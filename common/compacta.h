@@ -98,15 +98,16 @@ class LeitorCompacto {
     static constexpr std::size_t maior_linha = 2047;  // bytes; what is longer goes on as another
 
     struct Linha {
-        char* texto;  // in the reader's block, not NUL-terminated
+        const char* texto;  // in the reader's block, not NUL-terminated
         std::size_t tamanho;
         bool usual;  // `cabeca` holds
         Cabeca cabeca;
 
-        // Field 3 as a key, told by indica(); else it has no text.
+        // What of field 3 stands before a blank, CR or LF, as a key, told by indica(); else it has
+        // no text.
         Chave id;
 
-        // Of a usual line: makes its id known.
+        // Of a usual line: makes `id` known.
         void indica();
     };
     static constexpr std::size_t maior_lote = 64;
@@ -130,8 +131,9 @@ class LeitorCompacto {
 
     // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
     char* copia(const Linha& linha);
-    // Splits a usual line as explode() does with blanks; answers how many fields.
-    int divide(const Linha& linha, char** campos);
+    // Splits a usual line as explode() does with blanks; answers how many fields. They hold until
+    // the next call. `id` becomes the key of field 3 if that is known, else one without a text.
+    int divide(const Linha& linha, char** campos, Chave& id);
 
   private:
     LeitorLinhas leitor_;
