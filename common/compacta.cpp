@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "common/auxiliar.h"
-#include "misc/finais.h"
 #include "misc/palavras.h"
 
 bool LeitorDeCabecas::converte(const char* digitos) {
@@ -45,14 +44,17 @@ inline bool Crivo::importa(const char* linha, std::size_t n) {
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
     std::size_t inicio = 0;  // of the line whose end is looked for
-    std::size_t i = 0;
-    for (; i + 64 <= n; i += 64)
-        for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1) {
-            const std::size_t fim = i + static_cast<unsigned>(std::countr_zero(m)) + 1;
+    while (true) {
+        const std::size_t base = inicio;
+        const std::size_t achados =
+            finais_.acha(p + base, std::min(n - base, FinaisDeLinha::maior));
+        for (std::size_t i = 0; i < achados; ++i) {
+            const std::size_t fim = base + finais_[i] + 1;
             if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio)) return inicio;
             inicio = fim;
         }
-    return inicio;
+        if (achados == 0) return inicio;
+    }
 }
 
 void LeitorCompacto::abre(int fd) {

@@ -11,6 +11,7 @@
 
 #include "common/Tabela.h"
 #include "misc/bytes.h"
+#include "misc/finais.h"
 #include "misc/leitor.h"
 
 // The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
@@ -90,6 +91,7 @@ class Crivo {
     time_t fim_;
     std::uint64_t vistos_ = 0;  // a bit for each status that must be seen
     LeitorDeCabecas cabecas_;
+    FinaisDeLinha finais_;
 };
 
 // The lines of a compact file, a few dozen at a time and where they were read, with their heads.
