@@ -106,7 +106,7 @@ class LogFileParser {
 
     Relogio relogio_;
 
-    static constexpr std::size_t maior_lote = 32;  // lines shown at a time
+    static constexpr std::size_t maior_lote = 64;  // lines shown at a time
 
     // Which of the lines last shown to antecipa() is the one in osBuf.lbuf; -1 when it is none of
     // them, because parser() was called with a line brought from elsewhere.

@@ -4,11 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <bit>
 #include <cerrno>
 #include <cstring>
-
-#include "misc/finais.h"
 
 void LeitorLinhas::abre(int fd, std::size_t leitura) {
     if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco);
@@ -62,13 +59,15 @@ std::size_t LeitorLinhas::varias(Trecho* linhas, std::size_t max, std::size_t li
     linhas[0].tamanho = proxima(&linhas[0].inicio, limite);
     if (linhas[0].tamanho == 0) return 0;
     std::size_t n = 1;
+    if (max == 1) return n;
     const char* p = memoria_.get();
-    for (std::size_t i = inicio_; i + 64 <= fim_; i += 64)
-        for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1) {
-            const std::size_t fim = i + static_cast<unsigned>(std::countr_zero(m)) + 1;
-            if (n == max || fim - inicio_ > limite) return n;
-            linhas[n++] = {p + inicio_, fim - inicio_};
-            inicio_ = fim;
-        }
+    const std::size_t base = inicio_;
+    const std::size_t achados = finais_.acha(p + base, std::min(fim_ - base, FinaisDeLinha::maior));
+    for (std::size_t i = 0; i < achados && n < max; ++i) {
+        const std::size_t fim = base + finais_[i] + 1;
+        if (fim - inicio_ > limite) break;
+        linhas[n++] = {p + inicio_, fim - inicio_};
+        inicio_ = fim;
+    }
     return n;
 }

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "misc/finais.h"
+
 class LeitorLinhas {
   public:
     // Bytes asked of the system at a time, unless told otherwise.
@@ -44,6 +46,7 @@ class LeitorLinhas {
     bool enche();
     std::size_t completa(std::size_t visto, std::size_t limite) const;
 
+    FinaisDeLinha finais_;
     std::unique_ptr<char[]> memoria_;
     std::size_t leitura_ = 0;
     std::size_t inicio_ = 0;  // the bytes [inicio_, fim_) are read and not yet handed out
