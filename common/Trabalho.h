@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "common/Tabela.h"
@@ -34,7 +35,7 @@ class Trabalhos {
     // A record with nothing in it but the sender (null: unknown), in place of the one that the id
     // had.
     Trabalho* novo(const char* id, const char* remetente);
-    void esquece();
+    void esquece() noexcept;
 
     // Hints, for ids that will be looked up soon, by the hash of their key: fetches the place of
     // the index; then the record.
@@ -48,8 +49,8 @@ class Trabalhos {
     char* toma(std::uint32_t bytes);
 
     Tabela<Trabalho> indice_;
-    std::deque<Trabalho> registros_;
-    std::vector<std::unique_ptr<char[]>> textos_;  // blocks that the senders' texts are put into
-    char* fim_ = nullptr;                          // of the last one
-    std::size_t livres_ = 0;                       // bytes before it
+    std::optional<std::deque<Trabalho>> registros_;  // an empty deque would hold memory, too
+    std::vector<std::unique_ptr<char[]>> textos_;    // blocks that the senders' texts are put into
+    char* fim_ = nullptr;                            // of the last one
+    std::size_t livres_ = 0;                         // bytes before it
 };
