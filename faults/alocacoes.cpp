@@ -149,8 +149,8 @@ std::string relatorio(const Relato& relato, const std::string& dados, const std:
     bool pronto = false;
     const int saida = sob_falha(em, dali, contados, [&] {
         p = std::make_unique<LogMailFileParser>();
-        prepara(*p, dados);
-        pronto = true;
+        pronto = prepara(*p, dados);
+        if (!pronto) return recusado;
         r = std::make_unique<LogResult>();
         texto = relata(relato, *p, *r, id);
         return feito;
@@ -167,15 +167,17 @@ std::string relatorio(const Relato& relato, const std::string& dados, const std:
     return relata(relato, *p, outro, id) == certo ? "" : "the next report differs";
 }
 
+// Behind the fault the key can be written and read again.
 std::string do_registro(const std::string& pasta, const std::string& certo, std::size_t em,
                         bool dali, std::size_t& contados) {
-    std::string texto;
     const int saida = sob_falha(em, dali, contados, [&] {
-        texto = registro(pasta);
+        escreve_registro(pasta, "some");
+        le_registro(pasta);
         return feito;
     });
     if (saida == outra_excecao) return "another exception";
-    return registro(pasta) == certo ? "" : "the registry does not hold what was written";
+    escreve_registro(pasta, "other");
+    return le_registro(pasta) == certo ? "" : "the registry does not hold what was written";
 }
 
 // The message of the tree with the most lines.
@@ -216,7 +218,8 @@ bool varre_memoria(const std::string& pasta, bool tudo) {
             return relatorio(relato, dados, id, certo, em, dali, n);
         });
     }
-    const std::string certo = registro(pasta + "/registry");
+    escreve_registro(pasta + "/registry", "other");
+    const std::string certo = le_registro(pasta + "/registry");
     bom &= separado("registry", passo, [&](std::size_t em, bool dali, std::size_t& n) {
         return do_registro(pasta + "/registry", certo, em, dali, n);
     });

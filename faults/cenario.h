@@ -60,6 +60,8 @@ class Cenario {
     // Judges what a disturbed run left, runs once more undisturbed, judges that. Answers what is
     // wrong, or "".
     std::string julga(int saida, const Licenca& licenca, LogMailFileParser* de_novo = nullptr);
+    // What in the tree is not as after an undisturbed run, behind the words `quando`; or "".
+    std::string compara(const char* quando) const;
 
   private:
     Imagem imagem() const;
@@ -69,7 +71,6 @@ class Cenario {
     bool comeca_cedo();
     std::string terminados() const;
     bool ponto_legitimo(const std::string& ponto, const Licenca& licenca) const;
-    std::string compara(const char* quando) const;
 
     Feitio feitio_;
     std::string raiz_;

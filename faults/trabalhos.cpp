@@ -89,29 +89,29 @@ std::string relata(const Relato& relato, LogMailFileParser& p, LogResult& r,
     return texto;
 }
 
-void prepara(LogMailFileParser& p, const std::string& dados) {
+bool prepara(LogMailFileParser& p, const std::string& dados) {
     char dominios[] = "metalurgica.example;matriz.metal.example;filial-sul.example";
-    if (!p.setDataDir(dados.c_str()) || !p.add_domain(dominios))
-        throw std::bad_alloc();  // there is no other reason
+    return p.setDataDir(dados.c_str()) && p.add_domain(dominios);
 }
 
-std::string registro(const std::string& pasta) {
-    {
-        XmlRegistry r(pasta.c_str());
-        if (!r.OpenKey("\\Um\\Dois", true)) return "not opened";
-        for (const char* nome : {"a", "b", "c"})
-            r.WriteString(nome, (std::string("the value of ") + nome).c_str());
-        r.WriteInteger("n", 42);
-        r.DeleteValue("b");
-    }
+void escreve_registro(const std::string& pasta, const char* valor) {
+    XmlRegistry r(pasta.c_str());
+    if (!r.OpenKey("\\Um\\Dois", true)) return;
+    for (const char* nome : {"a", "b", "c"})
+        r.WriteString(nome, (std::string(valor) + " of " + nome).c_str());
+    r.WriteInteger("n", valor[0]);
+    r.DeleteValue("b");
+}
+
+std::string le_registro(const std::string& pasta) {
     XmlRegistry r(pasta.c_str());
     if (!r.OpenKey("\\Um\\Dois", false)) return "not found";
     VeltoStringList nomes;
     r.GetValueNames(&nomes);
     std::string texto;
     for (int i = 0; i < nomes.Count; ++i)
-        ((texto += nomes[i].c_str()) += '=') += r.ReadString(nomes[i]).c_str();
-    return texto;
+        (((texto += nomes[i].c_str()) += '=') += r.ReadString(nomes[i]).c_str()) += ' ';
+    return texto += std::to_string(r.ReadInteger("n"));
 }
 
 }  // namespace falhas

@@ -20,10 +20,12 @@ extern const std::vector<Relato> relatos;
 // names a message of the tree.
 std::string relata(const Relato& relato, LogMailFileParser& p, LogResult& r, const std::string& id);
 
-// A parser for the day files in `dados`, with the domains of the generated traffic.
-void prepara(LogMailFileParser& p, const std::string& dados);
+// Sets a parser to the day files in `dados`, with the domains of the generated traffic. False when
+// it refuses.
+bool prepara(LogMailFileParser& p, const std::string& dados);
 
-// Writes and reads back a key of a registry in `pasta`; answers what was read.
-std::string registro(const std::string& pasta);
+// Writes a key with a few values, made of `valor`, of the registry in `pasta`; and reads it.
+void escreve_registro(const std::string& pasta, const char* valor);
+std::string le_registro(const std::string& pasta);
 
 }  // namespace falhas
