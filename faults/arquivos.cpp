@@ -21,8 +21,8 @@ constexpr Cenario::Feitio pequenos[] = {
 };
 // Several blocks to write and to read in each day file and log.
 constexpr Cenario::Feitio grandes[] = {
-    {"point-large", false, false, 3000},
-    {"flight-large", false, true, 3000},
+    {"point-large", false, false, 1500},
+    {"flight-large", false, true, 1500},
 };
 
 struct Falha {
@@ -210,23 +210,6 @@ bool em_todos(const char* titulo, const std::string& pasta, bool tudo, Varre var
 }
 
 }  // namespace
-
-void Contagem::ponto(const std::string& onde, const std::string& erro) {
-    constexpr unsigned mostrados = 20;
-    ++tentados_;
-    if (erro.empty()) return;
-    if (++falhos_ <= mostrados) std::printf("FAILED %s: %s\n", onde.c_str(), erro.c_str());
-    if (falhos_ == mostrados + 1) std::printf("FAILED: more are only counted\n");
-}
-
-bool Contagem::fim() const {
-    std::printf("%s: %u points tried, %u passed, %u failed", nome_.c_str(), tentados_,
-                tentados_ - falhos_, falhos_);
-    if (adiados_ != 0) std::printf("; %u more at the full level", adiados_);
-    std::printf("\n");
-    std::fflush(stdout);
-    return falhos_ == 0 && tentados_ != 0;
-}
 
 bool varre_arquivos(const std::string& pasta, bool tudo) {
     bool bom = em_todos("file faults", pasta, tudo, [&](Cenario& c, Contagem& contagem) {
