@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -188,7 +187,9 @@ std::string mais_longa(const std::string& dados) {
         std::ifstream f(e.path());
         std::string linha, t, agente, status, id;
         while (std::getline(f, linha))
-            if (std::istringstream(linha) >> t >> agente >> status >> id) ++linhas[id];
+            if (std::istringstream(linha) >> t >> agente >> status >> id && id.size() == 16 &&
+                id.find_first_not_of("0123456789ABCDEF") == id.npos)  // else it is a user
+                ++linhas[id];
     }
     std::string achada;
     for (const auto& [id, n] : linhas)
@@ -201,7 +202,7 @@ std::string mais_longa(const std::string& dados) {
 bool varre_memoria(const std::string& pasta, bool tudo) {
     const std::size_t passo = tudo ? 1 : 7;
     bool bom = true;
-    Cenario c({"memory", false, false, tudo ? 400u : 90u}, pasta);
+    Cenario c({"memory", false, false, tudo ? 200u : 90u}, pasta);
     bom &= separado("consolidation", passo, [&](std::size_t em, bool dali, std::size_t& n) {
         return consolidacao(c, em, dali, n);
     });

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <memory>
+#include <stdexcept>
 
 #include "faults/cenario.h"
 #include "faults/rastreio.h"
