@@ -55,8 +55,8 @@ struct Execucao {
 
 // Runs `trabalho` in a forked child under the plan, behind `prepara`, which is left in peace. Every
 // system call of the child is stopped at, whoever makes it, stdio included. A child that runs for
-// 20 s gets SIGALRM. Throws std::runtime_error for a system call that it cannot tell to be of a
-// file or not.
+// two minutes gets SIGALRM. Throws std::runtime_error for a system call that it cannot tell to be
+// of a file or not.
 Execucao roda(const Plano& plano, const std::function<void()>& prepara,
               const std::function<int()>& trabalho);
 
