@@ -335,6 +335,10 @@ int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long e
 
 void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
                                params* par) {
+    struct Fim {
+        Relogio& relogio;
+        ~Fim() { relogio.termina(); }
+    } fim{relogio_};
     relogio_.comeca();
     const auto passada = std::make_unique<Passada>(*this, start, end, type, par);
     while (dias.proximo())
@@ -342,5 +346,4 @@ void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportTy
             passada->arquivo(fileno(f.get()));
         else
             traco("LogMailFileParser::parse_compact_file : Erro ao abrir %s\r\n", dias.path());
-    relogio_.termina();
 }

@@ -13,7 +13,7 @@ struct HashDeId {
     std::size_t operator()(std::string_view id) const { return hash_chave(id.data(), id.size()); }
 };
 
-// A filter list; its users live as long as it does.
+// A filter list; its users live as long as it does, also when it does not come to its end.
 class Filtro {
   public:
     // Names separated by ','; null for no filter.
@@ -25,15 +25,17 @@ class Filtro {
         for (char** nome = lista.get(); nome && *nome; ++nome)
             lista_.putFirst(new Usuario(*nome, 24));
     }
-    ~Filtro() { apaga_todos(lista_); }
     Filtro(const Filtro&) = delete;
     Filtro& operator=(const Filtro&) = delete;
 
     DList<Usuario>* lista() { return dado_ ? &lista_ : nullptr; }
 
   private:
+    struct Dona : DList<Usuario> {
+        ~Dona() { apaga_todos(*this); }
+    };
     bool dado_ = false;
-    DList<Usuario> lista_;
+    Dona lista_;
 };
 
 bool cabe(std::uint32_t tamanho, unsigned min_kb, unsigned max_kb) {

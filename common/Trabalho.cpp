@@ -52,8 +52,9 @@ Trabalho* Trabalhos::novo(const char* id, const char* remetente) {
 void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
     const auto bytes = nome ? static_cast<std::uint32_t>(std::strlen(nome)) + 1 : 0;
     if (bytes > t->lugar) {
-        t->lugar = std::max(bytes, t->lugar * 2);
-        t->sendername = toma(t->lugar);
+        const std::uint32_t lugar = std::max(bytes, t->lugar * 2);
+        t->sendername = toma(lugar);
+        t->lugar = lugar;
     }
     if (bytes == 0) {
         t->sendername = nullptr;
@@ -65,15 +66,16 @@ void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
 
 char* Trabalhos::toma(std::uint32_t bytes) {
     if (bytes > livres_) {
-        livres_ = std::max<std::size_t>(bytes, bloco);
-        textos_.push_back(std::make_unique_for_overwrite<char[]>(livres_));
-        fim_ = textos_.back().get() + livres_;
+        const std::size_t novos = std::max<std::size_t>(bytes, bloco);
+        textos_.push_back(std::make_unique_for_overwrite<char[]>(novos));
+        fim_ = textos_.back().get() + novos;
+        livres_ = novos;
     }
     livres_ -= bytes;
     return fim_ - livres_ - bytes;
 }
 
-void Trabalhos::esquece() {
+void Trabalhos::esquece() noexcept {
     indice_.apaga_se([](const Trabalho*) { return true; });
     textos_.clear();
     livres_ = 0;

@@ -44,7 +44,7 @@ class Trabalhos {
     // A record with nothing in it but the sender (null: unknown), in place of the one that the id
     // had.
     Trabalho* novo(const char* id, const char* remetente);
-    void esquece();
+    void esquece() noexcept;
 
     // The key of the line being handled: a look for its very text need not compute it again. It
     // holds until another one (perhaps none) is told.

@@ -13,10 +13,12 @@ namespace {
 constexpr int escrita = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 // The file that `path` names in the end, also when it does not exist yet: realpath() refuses that.
+// "", errno set, when that cannot be found out: a link must not be taken for the file itself.
 std::string sem_ligacoes(std::string path) {
     for (int saltos = 0; saltos < 40; ++saltos) {
         char destino[PATH_MAX];
         const ssize_t n = readlink(path.c_str(), destino, sizeof destino);
+        if (n < 0 && errno != EINVAL && errno != ENOENT) return "";
         if (n < 0) break;
         const std::string lido(destino, static_cast<std::size_t>(n));
         const auto barra = path.rfind('/');
@@ -48,29 +50,36 @@ Gravacao::~Gravacao() {
 }
 
 bool Gravacao::abre(const char* path) {
-    const int alvo = open(path, escrita);
-    if (alvo < 0 && (errno != ENOENT || *path == '\0')) return false;
+    // Memory may end here, while nothing is open yet.
     alvo_ = sem_ligacoes(path);
-    struct stat st;
-    const bool no_lugar =
-        alvo >= 0 && (fstat(alvo, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink > 1);
-    bool aberto = !no_lugar && abre_temporario(alvo);
-    if (!aberto && (no_lugar || nao_cabe_temporario(errno))) aberto = abre_no_lugar();
+    temporario_ = alvo_ + ".novo";
+    if (alvo_.empty()) return false;
+    const int alvo = insiste([=] { return open(path, escrita); });
+    if (alvo < 0 && errno != ENOENT) return false;
+    struct stat velho;
+    const bool aberto =
+        alvo < 0 ? abre_sobre(nullptr) : fstat(alvo, &velho) == 0 && abre_sobre(&velho);
     const int erro = errno;
     if (alvo >= 0) close(alvo);
     errno = erro;
     return aberto;
 }
 
-// `alvo` is the old file, or negative when there is none.
-bool Gravacao::abre_temporario(int alvo) {
-    temporario_ = alvo_ + ".novo";
+// `velho` is the old file, null when there is none.
+bool Gravacao::abre_sobre(const struct stat* velho) {
+    const bool no_lugar = velho && (!S_ISREG(velho->st_mode) || velho->st_nlink > 1);
+    if (!no_lugar && abre_temporario(velho)) return true;
+    return (no_lugar || nao_cabe_temporario(errno)) && abre_no_lugar();
+}
+
+bool Gravacao::abre_temporario(const struct stat* velho) {
     unlink(temporario_.c_str());  // what a killed run left behind
-    const int fd =
-        open(temporario_.c_str(), escrita | O_CREAT | O_EXCL | O_NOFOLLOW, alvo < 0 ? 0666 : 0600);
+    const int fd = insiste([&] {
+        return open(temporario_.c_str(), escrita | O_CREAT | O_EXCL | O_NOFOLLOW,
+                    velho ? 0600 : 0666);
+    });
     if (fd < 0) return false;
-    struct stat velho;
-    if (alvo < 0 || (fstat(alvo, &velho) == 0 && herda(fd, velho))) stream_.reset(fdopen(fd, "wb"));
+    if (!velho || herda(fd, *velho)) stream_.reset(fdopen(fd, "wb"));
     if (stream_) return true;
     const int erro = errno;
     close(fd);

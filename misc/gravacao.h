@@ -1,6 +1,8 @@
 // Replacing a file whole or not at all: for the recorded point and the registry's value files.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <string>
 
@@ -34,7 +36,8 @@ class Gravacao {
     bool conclui();
 
   private:
-    bool abre_temporario(int alvo);
+    bool abre_sobre(const struct stat* velho);
+    bool abre_temporario(const struct stat* velho);
     bool abre_no_lugar();
 
     std::string alvo_;        // the target, links resolved

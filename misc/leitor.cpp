@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "misc/ncutils.h"
+
 void LeitorLinhas::abre(int fd, std::size_t leitura) {
     if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco);
     fd_ = fd;
@@ -20,10 +22,7 @@ bool LeitorLinhas::enche() {
     std::memmove(memoria_.get(), memoria_.get() + inicio_, fim_ - inicio_);
     fim_ -= inicio_;
     inicio_ = 0;
-    ssize_t n;
-    do {
-        n = read(fd_, memoria_.get() + fim_, leitura_);
-    } while (n < 0 && errno == EINTR);
+    const ssize_t n = insiste([this] { return read(fd_, memoria_.get() + fim_, leitura_); });
     if (n < 0) erro_ = errno;
     if (n <= 0) return false;
     fim_ += static_cast<std::size_t>(n);

@@ -8,35 +8,51 @@
 #include <cerrno>
 #include <string>
 
+namespace {
+
+// A stream on a descriptor that waits for nothing and goes to no other program.
+Stream abre(const char* path, int modo, const char* modo_do_stream) {
+    modo |= O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int fd = insiste([=] { return open(path, modo, 0666); });
+    if (fd < 0) return nullptr;
+    Stream s(fdopen(fd, modo_do_stream));
+    if (s) return s;
+    const int erro = errno;
+    close(fd);
+    errno = erro;
+    return nullptr;
+}
+
+}  // namespace
+
 bool isDirectory(const char* path) {
     struct stat st;
     return stat(path, &st) == 0 && (st.st_mode & 0x4000) != 0;
 }
 
 Stream abre_leitura(const char* path) {
-    const int fd = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (fd < 0) return nullptr;
-    Stream s(fdopen(fd, "rb"));
-    if (!s) close(fd);
-    return s;
+    return abre(path, O_RDONLY, "rb");
 }
 
 Stream abre_regular(const char* path) {
     Stream s = abre_leitura(path);
     struct stat st;
-    if (!s || (fstat(fileno(s.get()), &st) == 0 && S_ISREG(st.st_mode))) return s;
+    if (!s) return s;
+    const int erro = fstat(fileno(s.get()), &st) != 0 ? errno : S_ISREG(st.st_mode) ? 0 : ENOENT;
+    if (erro == 0) return s;
     s.reset();
-    errno = ENOENT;
+    errno = erro;
     return nullptr;
 }
 
 std::FILE* abre_escrita(const char* path) {
-    const int fd =
-        open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
-    if (fd < 0) return nullptr;
-    std::FILE* f = fdopen(fd, "wb");
-    if (!f) close(fd);
-    return f;
+    Stream s = abre(path, O_WRONLY | O_CREAT, "wb");
+    // Emptied last, when nothing else can fail. EINVAL: it has no length.
+    if (!s || ftruncate(fileno(s.get()), 0) == 0 || errno == EINVAL) return s.release();
+    const int erro = errno;
+    s.reset();
+    errno = erro;
+    return nullptr;
 }
 
 bool fecha_gravado(std::FILE* f) {
@@ -49,18 +65,14 @@ bool fecha_gravado(std::FILE* f) {
 }
 
 bool sincroniza(int fd) {
-    while (fsync(fd) != 0) {
-        if (errno == EINTR) continue;
-        return errno == EINVAL || errno == ENOTSUP;
-    }
-    return true;
+    return insiste([=] { return fsync(fd); }) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 bool sincroniza_diretorio_de(const char* path) {
     std::string dir(path);
     const auto barra = dir.rfind('/');
     dir = barra == std::string::npos ? "." : barra == 0 ? "/" : dir.substr(0, barra);
-    const int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int fd = insiste([&] { return open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (fd < 0) return errno == EACCES;  // one that may be written into but not opened
     const bool feito = sincroniza(fd);
     close(fd);

@@ -1,6 +1,7 @@
 // Small file utilities: the directory test, a stream holder, opening and syncing.
 #pragma once
 
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 
@@ -15,16 +16,25 @@ struct FechaStream {
 // A stdio stream that is closed when it goes out of scope.
 using Stream = std::unique_ptr<std::FILE, FechaStream>;
 
+// Makes a system call again when a signal interrupted it: `chama` answers as the call does. Not for
+// ever: what is interrupted a thousand times running counts as failed.
+template <class F>
+auto insiste(F chama) {
+    auto r = chama();
+    for (int vezes = 0; r < 0 && errno == EINTR && vezes < 1000; ++vezes) r = chama();
+    return r;
+}
+
 // Opens `path` for reading, close-on-exec, and never waits: a FIFO without a writer reads as empty.
 // Null on failure, errno set.
 Stream abre_leitura(const char* path);
 
 // As abre_leitura, but only regular files (after links): anything else answers null with errno
-// ENOENT.
+// ENOENT, what cannot be told apart with the reason why.
 Stream abre_regular(const char* path);
 
 // Opens `path` for writing from its start (created 0666 less the umask, truncated), close-on-exec,
-// and never waits. Null on failure, errno set.
+// and never waits. Null on failure, errno set; what was in the file is then still there.
 std::FILE* abre_escrita(const char* path);
 
 // Flushes, syncs and closes `f`. False when anything written to it, ever, did not reach the disk;

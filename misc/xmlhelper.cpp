@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
 #include <new>
 
 namespace {
@@ -157,9 +158,11 @@ class LeitorTag {
         if (tag_->atributos() < tag_->maximo) {
             if (!tag_->paramList) tag_->paramList = new VeltoStringList;
             VeltoStringList& lista = *tag_->paramList;
-            VeltoString* valor =
-                valor_.IsEmpty() ? nullptr : new VeltoString(valor_.c_str(), valor_.Length());
-            const int i = valor ? lista.AddObject("", valor) : lista.Add("");
+            std::unique_ptr<VeltoString> valor;
+            if (!valor_.IsEmpty())
+                valor = std::make_unique<VeltoString>(valor_.c_str(), valor_.Length());
+            const int i = valor ? lista.AddObject("", valor.get()) : lista.Add("");
+            valor.release();
             lista[i].loadPChar(nome_.c_str(), nome_.Length());
         }
         nome_.Empty();
