@@ -35,8 +35,10 @@ Soma soma(const DList<MsgsData>& linhas) {
     return s;
 }
 
-std::unique_ptr<LogMailFileParser> parser(const ArvoreTemporaria& arvore) {
-    auto p = std::make_unique<LogMailFileParser>();
+struct Parser final : LogMailFileParser {};
+
+std::unique_ptr<Parser> parser(const ArvoreTemporaria& arvore) {
+    auto p = std::make_unique<Parser>();
     p->setDataDir(arvore.path("DAT").c_str());
     return p;
 }
