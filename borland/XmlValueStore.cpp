@@ -44,7 +44,8 @@ class LeituraDeValores {
   public:
     LeituraDeValores(XmlValueStore& destino, VeltoString& texto)
         : destino_(destino), texto_(texto) {
-        indice_.reserve(destino.storeIdx + texto.Length() / 32);  // a short entry is that long
+        // A short entry is of 32 bytes.
+        indice_.reserve(static_cast<std::size_t>(texto.Length()) / 32);
         for (int i = 0; i < destino.storeIdx; ++i)
             indice_.try_emplace(chave(destino.store[i]->name), destino.store[i]);
     }
@@ -129,11 +130,10 @@ XmlRegValue* XmlValueStore::acrescenta(const VeltoString& name) {
 }
 
 void XmlValueStore::WriteString(const VeltoString& name, const VeltoString& value) {
-    const VeltoString valor(value);  // it may be the entry's own text
     const int i = findOrAllocName(name);
     XmlRegValue& v = *store[i];
     v.vt = vtString;
-    v.valString = valor;
+    if (&value != &v.valString) v.valString = value;
 }
 
 void XmlValueStore::WriteInteger(const VeltoString& name, int value) {

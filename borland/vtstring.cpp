@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <utility>
 
 pthread_mutex_t __velto_str_lock = PTHREAD_MUTEX_INITIALIZER;
 
@@ -44,13 +45,14 @@ VeltoStringData* aloca(std::size_t bytes) {
 
 // A record for `letras` characters, its text not yet written. Two callers record 20 bytes beyond
 // the characters where 24 were allocated: their next growth comes earlier.
-VeltoStringData* cria(std::size_t letras, int registrado = folga) {
-    VeltoStringData* d = aloca(letras + folga);
-    d->size = static_cast<std::uint32_t>(letras) + registrado;
-    d->len = static_cast<std::uint32_t>(letras);
+VeltoStringData* cria(int letras, std::uint32_t registrado = folga) {
+    const auto n = static_cast<std::uint32_t>(letras);
+    VeltoStringData* d = aloca(std::size_t{n} + folga);
+    d->size = n + registrado;
+    d->len = n;
     d->refcount = 1;
     d->factor = 0;
-    d->c_data[0] = d->c_data[letras] = '\0';
+    d->c_data[0] = d->c_data[n] = '\0';
     return d;
 }
 
@@ -114,11 +116,14 @@ void VeltoString::deallocate() {
 }
 
 VeltoString& VeltoString::operator=(const VeltoString& outra) {
-    // Already sharing, with another holder: to let go and take again would change nothing, but
-    // between the two the other holder may free the record.
-    if (data && data == outra.data && muda_contagem(data, 0) > 1) return *this;
-    deallocate();
-    compartilha(outra);
+    if (this == &outra && data && contagem(data) == 1) {
+        deallocate();
+        return *this;
+    }
+    // Taken before the old record goes: of one that both share, the other holder may let go
+    // meanwhile.
+    VeltoString nova(outra);
+    std::swap(data, nova.data);
     return *this;
 }
 
@@ -131,8 +136,8 @@ VeltoString& VeltoString::operator=(const char* s) {
     const int n = comprimento(s);
     if (n == 0) return *this;
     reserva(n);
-    std::memmove(data->c_data, s, n + 1);
-    data->len = n;
+    std::memmove(data->c_data, s, static_cast<std::size_t>(n) + 1);
+    data->len = static_cast<std::uint32_t>(n);
     return *this;
 }
 
@@ -142,7 +147,7 @@ void VeltoString::loadPChar(const char* s, int n) {
     VeltoStringData* novo = nullptr;
     if (n > 0) {
         novo = cria(n);
-        std::memcpy(novo->c_data, s, n);
+        std::memcpy(novo->c_data, s, static_cast<std::size_t>(n));
     }
     deallocate();  // only now: `s` may be the text that goes
     data = novo;
@@ -184,7 +189,8 @@ VeltoString VeltoString::SubString(int start, int count) const {
     VeltoString parte;
     if (!data || start < 0 || start > Length()) return parte;
     const int resto = Length() - (start - 1);
-    parte.loadPChar(data->c_data + (start - 1), count > resto ? resto : count);
+    const auto inicio = offsetof(VeltoStringData, c_data) + static_cast<std::size_t>(start) - 1;
+    parte.loadPChar(reinterpret_cast<const char*>(data) + inicio, count > resto ? resto : count);
     return parte;
 }
 
@@ -239,16 +245,17 @@ void VeltoString::realInsert(const char* s, int pos, int n) {
         if (n > 0) loadPChar(s, n);
         return;
     }
-    // A share of the own record makes Unique copy it, so that `s` stays where it is.
-    const VeltoString antes = contem(s) ? *this : VeltoString();
+    // A piece of the own text would move with it.
+    const VeltoString pedaco = contem(s) && n > 0 ? VeltoString(s, n) : VeltoString();
+    if (pedaco.data) s = pedaco.c_str();
     Unique();
     if (!s || n <= 0) return;
     const int p = pos < 1 ? 0 : pos > Length() ? Length() : pos - 1;
     reserva(std::int64_t{Length()} + n);
     char* lugar = data->c_data + p;
-    std::memmove(lugar + n, lugar, Length() - p + 1);
-    std::memcpy(lugar, s, n);
-    data->len += n;
+    std::memmove(lugar + n, lugar, static_cast<std::size_t>(Length() - p) + 1);
+    std::memcpy(lugar, s, static_cast<std::size_t>(n));
+    data->len += static_cast<std::uint32_t>(n);
 }
 
 void VeltoString::SetLength(int n) {
@@ -260,7 +267,7 @@ void VeltoString::SetLength(int n) {
     Unique();
     reserva(n);
     data->c_data[n] = '\0';
-    data->len = n;
+    data->len = static_cast<std::uint32_t>(n);
 }
 
 int VeltoString::printf(const char* fmt, ...) {
@@ -276,7 +283,7 @@ int VeltoString::printf(const char* fmt, ...) {
         data = cria(novo.tamanho);
     }
     novo.copia(data->c_data);
-    data->len = novo.tamanho;
+    data->len = static_cast<std::uint32_t>(novo.tamanho);
     return novo.tamanho;
 }
 
@@ -300,7 +307,7 @@ int VeltoString::cat_vprintf(const char* fmt, va_list args) {
             auxRealloc(std::int64_t{Length()} + novo.tamanho);
     }
     novo.copia(data->c_data + data->len);
-    data->len += novo.tamanho;
+    data->len += static_cast<std::uint32_t>(novo.tamanho);
     return novo.tamanho;
 }
 
@@ -329,7 +336,8 @@ void VeltoString::auxRealloc(std::int64_t needed) {
     std::int64_t bytes = 0;
     if (data->factor != 0) bytes = (data->factor + std::int64_t{10}) * ((data->size + 9) / 10);
     if (bytes < exato || bytes > INT_MAX) bytes = exato;
-    void* p = bytes <= INT_MAX ? std::realloc(data, static_cast<std::size_t>(bytes)) : nullptr;
+    void* p = bytes > 0 && bytes <= INT_MAX ? std::realloc(data, static_cast<std::size_t>(bytes))
+                                            : nullptr;
     if (!p) throw std::bad_alloc();
     data = static_cast<VeltoStringData*>(p);
     data->size = static_cast<std::uint32_t>(bytes);

@@ -38,8 +38,8 @@ class VeltoString {
     VeltoString(const VeltoString& outra) { compartilha(outra); }
     ~VeltoString() { deallocate(); }
 
-    // Lets go of its own record before it takes the other's: a string assigned to itself ends up
-    // empty when nobody else holds its record.
+    // Shares the other's record. A string assigned to itself ends up empty when nobody else holds
+    // its record.
     VeltoString& operator=(const VeltoString& outra);
     // Empties the string, then copies `s`, into the same record where there is a growth factor. So
     // with a factor a string assigned its own c_str() ends up empty.

@@ -2,14 +2,12 @@
 #include "borland/vtstringlist.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
-int listComp(const void* a, const void* b) {
-    return std::strcmp((*static_cast<VeltoString* const*>(a))->c_str(),
-                       (*static_cast<VeltoString* const*>(b))->c_str());
+bool antes(const VeltoString* a, const VeltoString* b) {
+    return std::strcmp(a->c_str(), b->c_str()) < 0;
 }
 
 // Moves an array of `antes` pointers to a new one of `depois`, the rest of it null.
@@ -44,7 +42,7 @@ int VeltoStringList::Add(const VeltoString& s) {
 
 int VeltoStringList::AddObject(const VeltoString& s, void* obj) {
     const int indice = Add(s);
-    if (!Objects) Objects = new VeltoObject* [size] {};
+    if (!Objects) Objects = muda_de_vetor(Objects, 0, size);
     Objects[indice] = static_cast<VeltoObject*>(obj);
     return indice;
 }
@@ -79,7 +77,7 @@ void VeltoStringList::Clear() {
 }
 
 void VeltoStringList::Sort() {
-    if (Count > 1) std::qsort(list, Count, sizeof *list, listComp);
+    std::stable_sort(list, list + Count, antes);
 }
 
 VeltoString& VeltoStringList::operator[](int index) {

@@ -43,8 +43,9 @@ class DList {
 // Empties a list or table and deletes its elements.
 template <class Lista>
 void apaga_todos(Lista& lista) {
-    while (auto* e = lista.first()) {
-        lista.remove(e);
+    for (auto* e = lista.first(); e;) {
+        auto* seguinte = lista.removeAndGetNext(e);
         delete e;
+        e = seguinte;
     }
 }

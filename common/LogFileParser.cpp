@@ -31,13 +31,15 @@ bool diretorio_fechado(const char* dir) {
 
 template <std::size_t N>
 bool copia_se_couber(char (&para)[N], const char* de) {
-    if (!de || strnlen(de, N) >= N) return false;
-    std::strcpy(para, de);
+    const std::size_t n = de ? strnlen(de, N) : N;
+    if (n >= N) return false;
+    std::memcpy(para, de, n + 1);
     return true;
 }
 
 }  // namespace
 
+// cppcheck-suppress uninitMemberVar ; leitor_ and lote_ are written before they are read
 LogFileParser::LogFileParser()
     : def_dir("LOGS"),
       def_fname(""),

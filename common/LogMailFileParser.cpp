@@ -19,8 +19,8 @@ LogMailFileParser::LogMailFileParser()
     set_sfile_num_periods(24);
     std::strcpy(def_dir, "LOGS");
     std::strcpy(def_fname, "MAIL_DISPATCHER.LOG");
-    std::strcpy(compact_fname_prefix, diario::compacto);
-    std::strcpy(stat_fname_prefix, diario::estatistica);
+    std::memcpy(compact_fname_prefix, diario::compacto, sizeof diario::compacto);
+    std::memcpy(stat_fname_prefix, diario::estatistica, sizeof diario::estatistica);
     std::strcpy(data_dir, "DAT");
 }
 

@@ -49,10 +49,10 @@ Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
     Msg* m = Lista_msg.procurar(c);
     if (!m) {
         auto nova = std::make_unique<Msg>(id, inicio);
-        m = nova.get();
         // A long id is kept cut, so its key is another one.
-        c.tamanho < sizeof m->id ? Lista_msg.putFirst(m, c.hash) : Lista_msg.putFirst(m);
-        nova.release();
+        c.tamanho < sizeof m->id ? Lista_msg.putFirst(nova.get(), c.hash)
+                                 : Lista_msg.putFirst(nova.get());
+        m = nova.release();
     }
     return m;
 }
@@ -62,9 +62,8 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
     Usuario* u = Lista_usu.procurar(c);
     if (!u) {
         auto novo = std::make_unique<Usuario>(nome, periodos);
-        u = novo.get();
-        Lista_usu.putFirst(u, c.hash);
-        novo.release();
+        Lista_usu.putFirst(novo.get(), c.hash);
+        u = novo.release();
     }
     return u;
 }

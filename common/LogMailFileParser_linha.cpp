@@ -133,7 +133,7 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
 int LogMailFileParser::parser() {
     const int i = posicao_no_lote();
     if (i >= 0 && lote_) {
-        despacha(lote_[i]);
+        despacha(lote_[static_cast<std::size_t>(i)]);
     } else {
         Evento e;
         e.separa(osBuf.lbuf, sizeof osBuf.lbuf);

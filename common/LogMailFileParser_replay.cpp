@@ -173,6 +173,7 @@ class LogMailFileParser::Horas {
 // One run over the compact files of a range: what it reads with, and how far it is.
 class LogMailFileParser::Passada {
   public:
+    // cppcheck-suppress uninitMemberVar ; kilobytes that are written before they are read
     Passada(LogMailFileParser& p, long start, long end, ReportType type, params* par)
         : p_(p),
           par_(par),

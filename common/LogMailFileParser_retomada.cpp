@@ -55,7 +55,7 @@ bool LogMailFileParser::readExtraInfo(std::FILE* fp) {
         m->att_blocked = bloqueado == 'S';
         m->int_user = interno == 'S';
         Lista_msg.putFirst(m.get());
-        m.release();
+        static_cast<void>(m.release());
     }
     return true;
 }

@@ -107,7 +107,7 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
         IndiceDeLinhas*& indice;
         ~Devolve() { indice = nullptr; }
     } devolve{indice_};
-    indice_ = &indice;
+    indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `devolve` takes it back
     replay({data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
     return 1;
 }

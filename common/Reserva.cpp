@@ -64,8 +64,8 @@ void* Reserva::toma() {
 
 void Reserva::devolve(void* lugar) noexcept {
     if (!lugar) return;
-    const auto endereco = reinterpret_cast<std::uintptr_t>(lugar);
-    Bloco* b = reinterpret_cast<Bloco*>(endereco & ~(std::uintptr_t{bloco} - 1));
+    const std::size_t no_bloco = reinterpret_cast<std::uintptr_t>(lugar) % bloco;
+    Bloco* b = reinterpret_cast<Bloco*>(static_cast<char*>(lugar) - no_bloco);
     if (b->cheio(tamanho_)) poe(b);
     b->livres = new (lugar) Livre{b->livres};
     if (--b->tomados != 0) return;

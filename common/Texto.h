@@ -29,9 +29,12 @@ class TextoPartilhado {
         std::memcpy(this->texto(), texto, n);
         this->texto()[n] = '\0';
     }
+    // cppcheck-suppress copyCtorPointerCopying ; to share is the purpose
     TextoPartilhado(const TextoPartilhado& outro) : dados_(outro.dados_) {
         if (dados_) ++dados_->donos;
     }
+    TextoPartilhado(TextoPartilhado&& outro) noexcept
+        : dados_(std::exchange(outro.dados_, nullptr)) {}
     TextoPartilhado& operator=(TextoPartilhado outro) {
         std::swap(dados_, outro.dados_);
         return *this;

@@ -18,6 +18,7 @@ void Usuario::operator delete(void* p, std::size_t n) noexcept {
     reserva.apaga(p, n);
 }
 
+// cppcheck-suppress uninitMemberVar ; the loop sets the pointers, reset_vars() what they point to
 Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? periodos : 24) {
     std::unique_ptr<std::uint32_t[]> grande;
     if (num_periods > periodos_usuais_)
@@ -26,12 +27,11 @@ Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? p
     const std::size_t n = nome ? tamanho_do_nome_ + 1 : 0;
     name = n > sizeof nome_ ? copia_texto(nome) : nome ? nome_ : nullptr;
     if (name == nome_) std::memcpy(nome_, nome, n);
-    std::uint32_t* p = grande ? grande.release() : bloco_;
+    sent = grande ? grande.release() : bloco_;
+    std::uint32_t* p = sent;
     for (std::uint32_t** contadores :
-         {&sent, &recv, &bytes_sent, &bytes_recv, &virus, &spam, &error, &att_blocked}) {
-        *contadores = p;
-        p += num_periods;
-    }
+         {&recv, &bytes_sent, &bytes_recv, &virus, &spam, &error, &att_blocked})
+        *contadores = p += num_periods;
     reset_vars();
 }
 

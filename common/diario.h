@@ -74,7 +74,7 @@ class Dias {
     const char* prefix_ = nullptr;
     int mes_ = 0, ano_ = 0;
     int mes_ausente_ = 0, ano_ausente_ = 0;  // a month without a directory: nothing to open in it
-    char path_[maior_caminho];
+    char path_[maior_caminho] = {};
 };
 
 // Writes the path of the day file that readers look for at `t`, and its month and year.

@@ -37,7 +37,7 @@ bool digito(char c) {
 bool dupla(const char* t) {
     return digito(t[0]) && digito(t[1]) && !digito(t[2]);
 }
-int valor(const char* t) {
+time_t valor(const char* t) {
     return (t[0] - '0') * 10 + (t[1] - '0');
 }
 
@@ -95,7 +95,7 @@ time_t Relogio::da_hora(const struct tm& tm) {
     ultimo.tm_min = ultimo.tm_sec = 59;
     inicio_ = mktime(&primeiro);
     cheio_ = inicio_ != -1 && mktime(&ultimo) - inicio_ == 3599;
-    return cheio_ ? inicio_ + tm.tm_min * 60 + tm.tm_sec : mktime(&pedido);
+    return cheio_ ? inicio_ + tm.tm_min * time_t{60} + tm.tm_sec : mktime(&pedido);
 }
 
 int Relogio::hora_do_dia(time_t t) {

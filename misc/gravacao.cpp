@@ -22,9 +22,10 @@ std::string sem_ligacoes(std::string path) {
         if (n < 0) break;
         const std::string lido(destino, static_cast<std::size_t>(n));
         const auto barra = path.rfind('/');
-        path = lido.starts_with('/') || barra == std::string::npos
-                   ? lido
-                   : path.substr(0, barra + 1) + lido;
+        if (lido.starts_with('/') || barra == std::string::npos)
+            path = lido;
+        else
+            path.replace(barra + 1, std::string::npos, lido);
     }
     return path;
 }

@@ -22,7 +22,9 @@ constexpr Entidade entidades[] = {
 // The entity that `p`, a text ended by a zero byte, begins with; null when there is none.
 const Entidade* entidade_em(const char* p) {
     for (const Entidade& e : entidades)
-        if ((p[1] | 0x20) == e.nome[1] && strncasecmp(p, e.nome, e.tamanho) == 0) return &e;
+        if ((p[1] | 0x20) == e.nome[1] &&
+            strncasecmp(p, e.nome, static_cast<std::size_t>(e.tamanho)) == 0)
+            return &e;
     return nullptr;
 }
 
@@ -218,7 +220,7 @@ bool getVtXmlDataFromString(VeltoString& text, int& pos, VeltoString& data) {
     const char* const base = text.c_str();
     const char* const limite = base + text.Length();
     const char* de = base + pos;
-    const void* menor = std::memchr(de, '<', limite - de);
+    const void* menor = std::memchr(de, '<', static_cast<std::size_t>(limite - de));
     const char* const fim = menor ? static_cast<const char*>(menor) : limite;
     pos = static_cast<int>(fim - base);
     if (fim > de) {
@@ -249,7 +251,7 @@ void escapeVtXmlString(VeltoString& s) {
         const Entidade* e = entidade_de(s[de]);
         if (e) {
             para -= e->tamanho;
-            std::memcpy(&s[para + 1], e->nome, e->tamanho);
+            std::memcpy(&s[para + 1], e->nome, static_cast<std::size_t>(e->tamanho));
         } else {
             s[para--] = s[de];
         }

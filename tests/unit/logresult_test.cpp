@@ -6,7 +6,8 @@
 namespace {
 
 void poe(DList<MsgsData>& lista, std::uint32_t n) {
-    lista.putLast(new MsgsData{nullptr, nullptr, 1000 + n, n, 2 * n, 3 * n, 4 * n, n, n, n, n});
+    lista.putLast(new MsgsData{nullptr, nullptr, static_cast<time_t>(1000 + n), n, 2 * n, 3 * n,
+                               4 * n, n, n, n, n});
 }
 
 void poe(LogResult& r, const char* id, char enviada, const char* de) {
