@@ -123,6 +123,21 @@ TEST(Consolidacao, pontoSemRegistrosDaUmaMensagemVazia) {
     EXPECT_EQ(p.Lista_msg.first(), nullptr);
 }
 
+// Words that are longer than the reader's fields go on as those of the next record.
+TEST(Consolidacao, palavrasLongasNoPonto) {
+    Rele r;
+    r.arvore.write("last", "1 Sun Mar 15 00:00:00 2009\n\r\n" + std::string(60, 'a') +
+                               " 5 N N N N 1 2 ana\r\nb 7 N N N N 1 2 " + std::string(600, 's'));
+    LogMailFileParser p;
+    EXPECT_EQ(p.getLastConsolid(r.arvore.path("last").c_str()), hora("2009-03-15 00:00:00"));
+    std::string lidas;
+    for (const Msg* m = p.Lista_msg.last(); m; m = m->prev)
+        lidas += m->id + (" " + std::to_string(m->size)) + ";";
+    const std::string s(23, 's');
+    EXPECT_EQ(lidas, std::string(23, 'a') + " 0;aaaaaaaaaaa 5;b 7;" + s + " 7;" + s + " 7;");
+    p.consolidate(nullptr);
+}
+
 TEST(Consolidacao, diasSemLinhasExistem) {
     Rele r;
     r.mensagem("2009-03-15 10:00:00", "A").mensagem("2009-03-17 10:00:00", "B");
