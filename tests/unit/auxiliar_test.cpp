@@ -197,6 +197,15 @@ TEST(Auxiliar, procurarUsuarioPorPrefixo) {
     lista.putFirst(&vazio);
     EXPECT_EQ(procurar_usuario(&lista, "qualquer", true), &vazio);
     EXPECT_EQ(procurar_usuario(&lista, "qualquer", false), nullptr);
+
+    // By the index a name is met as it stands, by prefix in any case.
+    Tabela<Usuario> tabela;
+    Usuario eva("eva", 1);
+    tabela.putFirst(&eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "eva", false), &eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "Eva@dominio", true), &eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "eva@dominio", false), nullptr);
+    tabela.remove(&eva);
 }
 
 TEST(Auxiliar, dominioDe300BytesNaoTemFim) {
