@@ -197,6 +197,43 @@ TEST(Auxiliar, procurarUsuarioPorPrefixo) {
     lista.putFirst(&vazio);
     EXPECT_EQ(procurar_usuario(&lista, "qualquer", true), &vazio);
     EXPECT_EQ(procurar_usuario(&lista, "qualquer", false), nullptr);
+
+    // By the index a name is met as it stands, by prefix in any case.
+    Tabela<Usuario> tabela;
+    Usuario eva("eva", 1);
+    tabela.putFirst(&eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "eva", false), &eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "Eva@dominio", true), &eva);
+    EXPECT_EQ(procurar_usuario(&tabela, "eva@dominio", false), nullptr);
+    tabela.remove(&eva);
+}
+
+// What the records answer when asked by name or by number, also for what they do not have.
+TEST(Auxiliar, perguntasAosRegistros) {
+    Usuario u("ana", 0);
+    EXPECT_EQ(u.getNumPeriods(), 24u);
+    EXPECT_EQ(u.incAttBlocked(23, 5), 1);
+    EXPECT_EQ(u.incAttBlocked(24, 5), 0);
+    for (const auto& [periodo, total] : {std::pair{23, 5u}, {22, 0u}, {24, 0u}, {-1, 5u}})
+        EXPECT_EQ(u.count(ATT_BLOCKED, periodo), total) << periodo;
+    EXPECT_EQ(u.count(SENT, 23), 0u);
+    EXPECT_EQ(u.count(static_cast<InfoType>(-1), 23), 0u);
+    EXPECT_EQ(u.count(static_cast<InfoType>(ATT_BLOCKED + 1), 23), 0u);
+
+    Msg m(nullptr, 7);
+    EXPECT_STREQ(m.id, "");
+    EXPECT_EQ(m.addRecipient(nullptr), nullptr);
+    RCPTO* const rui = m.addRecipient("rui");
+    RCPTO* const eva = m.addRecipient("eva");
+    EXPECT_EQ(m.getRecipientByName("rui"), rui);
+    EXPECT_EQ(m.getRecipientByName("eva"), eva);
+    EXPECT_EQ(m.getRecipientByName("Eva"), nullptr);
+    EXPECT_EQ(m.getRecipientByName(nullptr), nullptr);
+
+    LogMailFileParser p;
+    p.set_sfile_num_periods(0);
+    EXPECT_TRUE(p.setLastPeriod(23));
+    EXPECT_FALSE(p.setLastPeriod(24));
 }
 
 TEST(Auxiliar, dominioDe300BytesNaoTemFim) {

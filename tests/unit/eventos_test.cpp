@@ -239,6 +239,47 @@ TEST(Eventos, recusas) {
     p.compact_logfile = nullptr;
 }
 
+// So do the handlers of the reports, of lines with too few fields or without an hour's row.
+TEST(Eventos, recusasDosRelatorios) {
+    Memoria traco;
+    LogMailFileParser p;
+    p.debugOut = traco.stream;
+    MsgsData hora{};
+    Msg m("A", 7);
+    char id[] = "A";
+    char* campos[8] = {id, id, id, id, id, id, id, id};
+    const struct {
+        int resposta;
+        const char* linha;
+    } casos[] = {
+        {p.msgs_per_hour_handle_SUBMIT(1, nullptr, campos, 7),
+         "msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos."},
+        {p.msgs_per_hour_handle_SUBMIT(1, &hora, campos, 6), ""},
+        {p.msgs_per_hour_handle_DELIVER(0, &hora, id),
+         "msgs_per_hour_handle_DELIVER : Params inv\xE1lidos."},
+        {p.msgs_per_hour_handle_DELIVER(1, &hora, nullptr),
+         "msgs_per_hour_handle_DELIVER : Params inv\xE1lidos."},
+        {p.msgs_per_hour_handle_END(nullptr, id, campos, 4),
+         "msgs_per_hour_handle_END : Params inv\xE1lidos."},
+        {p.msgs_per_hour_handle_ERROR(1, nullptr, campos, 4),
+         "msgs_per_hour_handle_ERROR : Params inv\xE1lidos."},
+        {p.msg_trace_handle_OK(id, id, 1, &m, campos, 4),
+         "msg_trace_handle_OK: N\xFAmeros de params. incorreto."},
+        {p.msg_trace_handle_ERROR_DEST(id, id, 1, &m, campos, 4),
+         "msg_trace_handle_ERROR_DEST: N\xFAmeros de params. incorreto."},
+    };
+    std::string quer;
+    for (const auto& c : casos) {
+        EXPECT_EQ(c.resposta, 0) << c.linha;
+        if (*c.linha) quer += std::string("LogMailFileParser::") + c.linha + "\r\n";
+    }
+    EXPECT_EQ(traco.texto(), quer);
+    EXPECT_EQ(m.recipients.first(), nullptr);
+    EXPECT_EQ(hora.error + hora.msgs_int + hora.msgs_ext, 0u);
+    EXPECT_EQ(p.msgs_per_hour_handle_DELIVER(1, &hora, id), 1);
+    EXPECT_EQ(p.msgs_per_hour_handle_OK(1, id, nullptr, nullptr, 0), 1);
+}
+
 // A line without a readable stamp is followed but belongs to no hour.
 TEST(Eventos, horaIlegivel) {
     Rele r;
