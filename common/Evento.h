@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "common/auxiliar.h"
+#include "misc/palavras.h"
 
 // The words of a line, what kind of event it is, and the hashes of the keys that its handler will
 // look for, so that they are computed once and the memory behind them can be fetched ahead.
@@ -21,25 +22,35 @@ class Evento {
     // first 299 bytes do not count.
     void separa(const char* linha, std::size_t n);
 
-    // The word `i`, null when the line has fewer.
-    const char* palavra(int i) const { return palavras_[i]; }
+    // The word `i`, less than palavras_lidas; null when the line has fewer.
+    const char* palavra(int i) const { return i < lidas_ ? texto_ + separadores_[i] + 1 : nullptr; }
     Agent agente() const { return agente_; }
     Status status() const { return status_; }
     // Word 3, the message's id, as a key; its text is null when there is none.
     const Chave& id() const { return id_; }
-    // The word that names the user whose record the event will touch; a null text when it is none.
-    const Chave& usuario() const { return usuario_; }
+    // The address that it names, as a key: who submitted the message or accepted it. Its text is
+    // null when it names none.
+    const Chave& endereco() const { return endereco_; }
+    // The user whose record it will touch: the recipient, or a local sender. Else a null text.
+    const char* usuario() const { return toca_usuario_ ? endereco_.texto : nullptr; }
+    // Whether it is a submission.
+    bool submissao() const { return agente_ == MAILQ && status_ == SUBMIT; }
 
   private:
     static constexpr std::size_t inicio_das_palavras_ = 26;
+    static constexpr std::size_t maior_ = 299;  // bytes of a line that count
 
-    Chave chave_da(int i, const char* linha) const;
+    bool separa_regular(const char* texto, std::size_t n);
+    void separa_qualquer(const char* texto, std::size_t n);
+    Chave chave_da(int i) const;
 
     Agent agente_;
     Status status_;
-    Chave id_, usuario_;
-    // One word more than is read: the last one is cut.
-    char* palavras_[palavras_lidas + 1];
-    std::size_t tamanhos_[palavras_lidas + 1];
-    char texto_[300];
+    int lidas_;
+    bool toca_usuario_;
+    Chave id_, endereco_;
+    // The words, each ended by NUL: word i stands in texto_ between two of these positions, which
+    // hold a NUL each (the first one ends a word that is not kept).
+    std::uint16_t separadores_[Separadores::maior / 2 + 2];
+    char texto_[maior_ - inicio_das_palavras_ + 1];
 };

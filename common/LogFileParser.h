@@ -106,11 +106,11 @@ class LogFileParser {
 
     Relogio relogio_;
 
-    static constexpr std::size_t maior_lote = 32;  // lines shown at a time
+    static constexpr std::size_t maior_lote = 64;  // lines shown at a time
 
     // Which of the lines last shown to antecipa() is the one in osBuf.lbuf; -1 when it is none of
     // them, because parser() was called with a line brought from elsewhere.
-    int posicao_no_lote() const;
+    int posicao_no_lote() const { return entregue_ ? static_cast<int>(tomadas_) - 1 : -1; }
 
     // Set by whoever meets a failure after which the point must not move; ends the run.
     bool parada_ = false;

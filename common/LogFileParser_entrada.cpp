@@ -94,14 +94,6 @@ void LogFileParser::fecha_entrada() {
 
 void LogFileParser::antecipa(const LeitorLinhas::Trecho*, std::size_t) {}
 
-int LogFileParser::posicao_no_lote() const {
-    if (!entregue_) return -1;
-    const LeitorLinhas::Trecho& t = lote_[tomadas_ - 1];
-    const bool intacta =
-        osBuf.lbuf[t.tamanho] == '\0' && std::memcmp(osBuf.lbuf, t.inicio, t.tamanho) == 0;
-    return intacta ? static_cast<int>(tomadas_ - 1) : -1;
-}
-
 // Brings the next line into osBuf.lbuf. False at the end of the file.
 bool LogFileParser::le_linha() {
     if (tomadas_ == no_lote_) {

@@ -56,7 +56,7 @@ bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
 void LogMailFileParser::esvazia() {
     fecha(compact_logfile);
     fecha(statistic_logfile);
-    memoria_.reset();
+    escrita_.termina();
     lote_.reset();
     remetentes_.reset();
     Lista_msg.apaga_se([](const Msg*) { return true; });

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
-#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -17,6 +16,7 @@
 #include "common/auxiliar.h"
 #include "common/diario.h"
 #include "common/relatorio.h"
+#include "misc/escrita.h"
 
 class Crivo;
 
@@ -25,7 +25,9 @@ class Crivo;
 // (_retomada); then the reports. Refusals are traced to debugOut and end in CR LF.
 class LogMailFileParser : public LogFileParser {
   public:
-    std::FILE* compact_logfile;    // the day's compact file; null when it could not be created
+    // The day's compact file, to which its lines come many at a time, the last ones when it is
+    // closed; null when it could not be created.
+    std::FILE* compact_logfile;
     std::FILE* statistic_logfile;  // the day's statistics file while it is written
     Tabela<Usuario> Lista_usu;     // users of the day, newest first
     Tabela<Msg> Lista_msg;         // messages in flight, newest first
@@ -184,20 +186,34 @@ class LogMailFileParser : public LogFileParser {
     // The line (_linha.cpp).
     void despacha(const Evento& e);
     time_t hora_da_linha();
-    std::size_t tamanho_de(const char* texto) const;
-    Chave chave_de(const char* texto) const;
+    // The length of a text given to a handler; known when it is the time or a key of the line.
+    std::size_t tamanho_de(const char* texto) const {
+        if (evento_ && texto == T_) return tamanho_de_T_;
+        if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
+        if (evento_ && texto == evento_->endereco().texto) return evento_->endereco().tamanho;
+        return std::strlen(texto);
+    }
+    // A text given to a handler, as a key. When it is a word of the line, its hash is known.
+    Chave chave_de(const char* texto) const {
+        if (evento_ && evento_->id().texto == texto) return evento_->id();
+        if (evento_ && evento_->endereco().texto == texto) return evento_->endereco();
+        return Chave(texto);
+    }
     const char* resto_da_linha(std::size_t coluna) const;
 
     // Steps that the handlers share (_eventos.cpp).
-    bool registra(const char* metodo, Agent agente, Status status,
-                  std::initializer_list<const char*> campos, const char* fim = "\n");
+    template <std::size_t n>
+    bool registra(const char* metodo, Agent agente, Status status, const char* const (&campos)[n],
+                  bool fim = true);
     Msg* msg_ou_nova(const char* id, time_t inicio = 0);
+    TextoPartilhado& lembrado(std::uint32_t hash) { return remetentes_[hash % max_remetentes]; }
     TextoPartilhado texto_de(const char* remetente);
     Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
     void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
     void conta_recebida(const char* destinatario, const Msg* m);
     void encerra(Msg* m, int (Usuario::*tambem)(unsigned, int) = nullptr);
-    int evento_erro(const RegraErro& regra, std::initializer_list<const char*> campos);
+    template <std::size_t n>
+    int evento_erro(const RegraErro& regra, const char* const (&campos)[n]);
 
     // The day's end (_periodos.cpp, _estatistica.cpp).
     time_t passo() const { return 86400 / sfile_num_periods; }
@@ -209,7 +225,6 @@ class LogMailFileParser : public LogFileParser {
     void esvazia();
 
     static constexpr std::size_t max_remetentes = 8192;
-    static constexpr std::size_t tamanho_do_buffer = std::size_t{256} * 1024;
 
     // Reports (_dia.cpp, _replay.cpp, _usuario.cpp).
     bool le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
@@ -231,6 +246,6 @@ class LogMailFileParser : public LogFileParser {
     std::size_t tamanho_de_T_ = 0;
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
-    std::unique_ptr<char[]> memoria_;                // buffer of the day file being written
+    Escrita escrita_;                                // lines on their way into a day file
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
 };

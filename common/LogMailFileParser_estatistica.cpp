@@ -40,7 +40,6 @@ bool LogMailFileParser::dumpFiles() {
     bool gravado = fecha(compact_logfile);
     if (!createFile(&statistic_logfile, diario::estatistica)) return false;
     gravado &= sincroniza_mes();
-    if (memoria_) std::setvbuf(statistic_logfile, memoria_.get(), _IOFBF, tamanho_do_buffer);
     escreve_estatistica(retira_mensagens());
     prepara_proximo_dia();
     gravado &= fecha(statistic_logfile);
@@ -66,13 +65,14 @@ diario::Totais LogMailFileParser::retira_mensagens() {
 
 void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
     const unsigned ultimo = std::min(last_period, sfile_num_periods - 1);
-    diario::escreve_totais(statistic_logfile, period_limit[first_period] - passo(),
-                           period_limit[ultimo] - 1, totais);
+    escrita_.para(statistic_logfile);
+    diario::escreve_totais(escrita_, period_limit[first_period] - passo(), period_limit[ultimo] - 1,
+                           totais);
     for (unsigned p = 0; p < sfile_num_periods; ++p) {
-        diario::escreve_periodo(statistic_logfile, period_limit[p] - passo());
+        diario::escreve_periodo(escrita_, period_limit[p] - passo());
         for (const Usuario* u = Lista_usu.first(); u; u = u->next) {
             const usuStats s = u->getStats(static_cast<int>(p));
-            if (algum(s)) diario::escreve_usuario(statistic_logfile, chave(*u), s);
+            if (algum(s)) diario::escreve_usuario(escrita_, chave(*u), u->tamanho_do_nome(), s);
         }
     }
 }

@@ -9,31 +9,40 @@
 struct LogMailFileParser::RegraErro {
     const char* metodo;
     Status status;
-    bool conta;              // counts an error of the sender
-    bool marca_hora;         // moves the message's last_time
-    bool fatal;              // the delivery failed for good
-    bool tentativa;          // counts as an attempt when none was seen
-    ErrorType tipo;          // pending error to record; etFINAL records none
-    const char* texto;       // its text; null: the event's own
-    const char* fim = "\n";  // of the compact line
+    bool conta;         // counts an error of the sender
+    bool marca_hora;    // moves the message's last_time
+    bool fatal;         // the delivery failed for good
+    bool tentativa;     // counts as an attempt when none was seen
+    ErrorType tipo;     // pending error to record; etFINAL records none
+    const char* texto;  // its text; null: the event's own
+    bool fim = true;    // its compact line needs a line end
 };
 
 // Refuses the event when a text is null; else writes its compact line: time, agent, status, the
-// other texts. `campos` begins with the time. False when refused.
+// other texts, a line end unless one of them brings it. `campos` begins with the time. False when
+// refused.
+template <std::size_t n>
 bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status,
-                                 std::initializer_list<const char*> campos, const char* fim) {
-    if (std::find(campos.begin(), campos.end(), nullptr) != campos.end()) {
-        traco("%s : Params. inv\xE1lidos.\r\n", metodo);
-        return false;
+                                 const char* const (&campos)[n], bool fim) {
+    std::size_t tamanhos[n];
+    std::size_t maior = 2 * Linha::maior_numero + n + 2;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (!campos[i]) {
+            traco("%s : Params. inv\xE1lidos.\r\n", metodo);
+            return false;
+        }
+        maior += tamanhos[i] = tamanho_de(campos[i]);
     }
-    const char* T = *campos.begin();
-    Linha linha(compact_logfile);
-    linha.texto(T, tamanho_de(T)).letra(' ').numero(agente).letra(' ').numero(status);
-    for (const char* const* c = campos.begin() + 1; c != campos.end(); ++c)
-        linha.letra(' ').texto(*c, tamanho_de(*c));
-    linha.texto(fim).termina();
+    escrita_.para(compact_logfile);
+    Linha linha(escrita_, maior);
+    linha.texto(campos[0], tamanhos[0]).letra(' ').numero(agente).letra(' ').numero(status);
+    for (std::size_t i = 1; i < n; ++i) linha.letra(' ').texto(campos[i], tamanhos[i]);
+    if (fim) linha.letra('\n');
+    linha.termina();
     return true;
 }
+template bool LogMailFileParser::registra(const char*, Agent, Status, const char* const (&)[2],
+                                          bool);
 
 Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
     const Chave c = chave_de(id);
@@ -65,10 +74,9 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
 TextoPartilhado LogMailFileParser::texto_de(const char* remetente) {
     if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
     const Chave c = chave_de(remetente);
-    TextoPartilhado& lembrado = remetentes_[c.hash % max_remetentes];
-    if (!lembrado.texto() || std::strcmp(lembrado.texto(), remetente) != 0)
-        lembrado = TextoPartilhado(remetente, c.tamanho);
-    return lembrado;
+    TextoPartilhado& t = lembrado(c.hash);
+    if (!t.igual(c.texto, c.tamanho)) t = TextoPartilhado(c.texto, c.tamanho);
+    return t;
 }
 
 // Counts the message for its local sender in the period of `t`, and one more in another counter of
@@ -187,10 +195,10 @@ int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
 
 // An error of a message that is not known leaves no trace but its compact line. `campos`: the time,
 // the id and, where the event has one, its text.
-int LogMailFileParser::evento_erro(const RegraErro& regra,
-                                   std::initializer_list<const char*> campos) {
+template <std::size_t n>
+int LogMailFileParser::evento_erro(const RegraErro& regra, const char* const (&campos)[n]) {
     if (!registra(regra.metodo, MAILSMTP, regra.status, campos, regra.fim)) return 0;
-    Msg* m = Lista_msg.procurar(chave_de(campos.begin()[1]));
+    Msg* m = Lista_msg.procurar(chave_de(campos[1]));
     if (!m) return 1;
     const time_t t = hora_da_linha();
     if (regra.conta && m->sender && t != 0) m->sender->incErro(getPeriodByTime(t), 1);
@@ -198,7 +206,7 @@ int LogMailFileParser::evento_erro(const RegraErro& regra,
     if (regra.fatal) m->fatal_error = true;
     if (regra.tentativa && m->tries == 0) m->tries = 1;
     if (regra.tipo != etFINAL) {
-        m->add_error(regra.tipo, regra.texto ? regra.texto : campos.begin()[2]);
+        m->add_error(regra.tipo, regra.texto ? regra.texto : campos[n - 1]);
         m->error = true;
     }
     return 1;
@@ -254,7 +262,7 @@ int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id
                                      true,
                                      etFINAL,
                                      nullptr,
-                                     ""};
+                                     false};
     return evento_erro(regra, {T, id, texto});
 }
 

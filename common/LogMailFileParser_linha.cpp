@@ -33,12 +33,15 @@ struct LogMailFileParser::Despacho {
     // The event is not understood: the raw line from a column on is all that is kept of it.
     template <Agent agente, std::size_t coluna>
     static void copia(P& p, const char* T, const Evento&) {
-        Linha(p.compact_logfile)
-            .texto(T)
+        const char* resto = p.resto_da_linha(coluna);
+        const std::size_t n = std::strlen(resto);
+        p.escrita_.para(p.compact_logfile);
+        Linha(p.escrita_, p.tamanho_de_T_ + Linha::maior_numero + 2 + n)
+            .texto(T, p.tamanho_de_T_)
             .letra(' ')
             .numero(agente)
             .letra(' ')
-            .texto(p.resto_da_linha(coluna))
+            .texto(resto, n)
             .termina();
     }
 
@@ -114,14 +117,16 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
         Evento& e = lote_[i];
         e.separa(linhas[i].inicio, linhas[i].tamanho);
         if (e.id().texto) Lista_msg.antecipa(e.id().hash);
-        if (e.usuario().texto) Lista_usu.antecipa(e.usuario().hash);
+        if (e.usuario()) Lista_usu.antecipa(e.endereco().hash);
+        if (e.submissao() && remetentes_) __builtin_prefetch(&lembrado(e.endereco().hash));
     }
     for (std::size_t i = 0; i < n; ++i) {
         const Evento& e = lote_[i];
         if (e.id().texto)
             if (const Msg* m = Lista_msg.provavel(e.id().hash)) m->busca();
-        if (e.usuario().texto)
-            if (const Usuario* u = Lista_usu.provavel(e.usuario().hash)) u->busca(last_period);
+        if (e.usuario())
+            if (const Usuario* u = Lista_usu.provavel(e.endereco().hash)) u->busca(last_period);
+        if (e.submissao() && remetentes_) lembrado(e.endereco().hash).busca();
     }
 }
 
@@ -158,21 +163,6 @@ void LogMailFileParser::despacha(const Evento& e) {
 // The time of the event being handled; 0 when the line has none.
 time_t LogMailFileParser::hora_da_linha() {
     return evento_ ? hora_ : convTimeFromLog(osBuf.lbuf);
-}
-
-// The length of a text given to a handler; known when it is the time or a key of the line.
-std::size_t LogMailFileParser::tamanho_de(const char* texto) const {
-    if (evento_ && texto == T_) return tamanho_de_T_;
-    if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
-    if (evento_ && texto == evento_->usuario().texto) return evento_->usuario().tamanho;
-    return std::strlen(texto);
-}
-
-// A text given to a handler, as a key. When it is a word of the line, its hash is known.
-Chave LogMailFileParser::chave_de(const char* texto) const {
-    if (evento_ && evento_->id().texto == texto) return evento_->id();
-    if (evento_ && evento_->usuario().texto == texto) return evento_->usuario();
-    return Chave(texto);
 }
 
 // The raw line from a column on, with its own line end; a line feed when nothing stands there.

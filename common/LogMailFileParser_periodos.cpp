@@ -76,14 +76,13 @@ bool LogMailFileParser::createFiles() {
     calculatePeriodLimits();
     sem_compacto_ = !createFile(&compact_logfile, compact_fname_prefix);
     if (sem_compacto_) return false;
-    if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(tamanho_do_buffer);
-    std::setvbuf(compact_logfile, memoria_.get(), _IOFBF, tamanho_do_buffer);
     return true;
 }
 
 // Closes a day file, if it is open. What did not reach the disk must be written again by the next
 // run: the point does not move then.
 bool LogMailFileParser::fecha(std::FILE*& arquivo) {
+    escrita_.para(nullptr);
     if (!arquivo) return true;
     const bool gravado = fecha_gravado(arquivo);
     arquivo = nullptr;

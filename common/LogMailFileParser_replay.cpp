@@ -148,6 +148,12 @@ class LogMailFileParser::Horas {
         if (horas_[0]) agora_ = std::max(relogio_.hora_do_dia(t), 0);
     }
 
+    // Whether all of a stretch of time is surely of the hour that the replay is in.
+    bool mesma(time_t de, time_t ate) const {
+        return !horas_[0] || (relogio_.mesmo_quarto(de, ate) && relogio_.hora_do_dia(de) == agora_);
+    }
+    MsgsData* agora() const { return horas_[agora_]; }
+
     // The row of the hour at `t`; null when the local time cannot be had. When the hour changes,
     // the row that is left takes this time as its own.
     MsgsData* de(time_t t) {
@@ -176,7 +182,10 @@ class LogMailFileParser::Passada {
           por_hora_(type == MSGS_PER_HOUR),
           coluna_(Replay::coluna(type)),
           horas_(por_hora_ ? par->m_hour : nullptr, p.relogio_),
-          crivo_(peneira_ ? par->msg_id : "", end) {}
+          crivo_(peneira_ ? par->msg_id : "", end) {
+        for (int s = 0; s < LeitorDeCabecas::num_status; ++s)
+            serve_[s] = acao({1, s, 0}) != nullptr;
+    }
 
     void arquivo(int fd) {
         leitor_.abre(fd);
@@ -186,6 +195,11 @@ class LogMailFileParser::Passada {
                 if (iniciado_ && peneira_) passa_por_cima();
                 if (!leitor_.le_lote(iniciado_ && peneira_)) return;
                 if (coluna_ && !peneira_) antecipa();
+                if (!peneira_ && iniciado_ && tranquilo()) {
+                    for (std::size_t i = 0; i < servem_agora_; ++i) trata(leitor_[servem_[i]]);
+                    leitor_.toma_todas();
+                    continue;
+                }
             }
             segue = linha(leitor_.toma());
         }
@@ -193,8 +207,11 @@ class LogMailFileParser::Passada {
 
   private:
     bool linha(const LeitorCompacto::Linha& l);
+    void trata(const LeitorCompacto::Linha& l);
+    void entrega(Replay::Acao a, const Lido& e, const Chave& id);
     void passa_por_cima();
     void antecipa();
+    bool tranquilo() const;
 
     // The handler for a status; null when the report ignores it.
     Replay::Acao acao(int status) const {
@@ -220,6 +237,9 @@ class LogMailFileParser::Passada {
     Horas horas_;
     Crivo crivo_;
     LeitorCompacto leitor_;
+    bool serve_[LeitorDeCabecas::num_status] = {};     // the statuses that the report looks at
+    std::uint8_t servem_[LeitorCompacto::maior_lote];  // the lines read that have one of them
+    std::size_t servem_agora_ = 0;
     char* campos_[LeitorCompacto::maior_linha + 1];
 };
 
@@ -241,9 +261,40 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
     if (por_hora_ && !(e.hora = horas_.de(e.t))) return true;
     const Replay::Acao a = l.usual ? acao(l.cabeca) : acao(e.n > 2 ? decimal32(campos_[2]) : 0);
     if (!a) return true;
-    if (l.usual) e.n = leitor_.divide(l, campos_);
-    a(p_, e);
+    Chave id;
+    if (l.usual) e.n = leitor_.divide(l, campos_, id);
+    entrega(a, e, id);
     return true;
+}
+
+// The same for a usual line of which is known that it is in range and of this hour.
+void LogMailFileParser::Passada::trata(const LeitorCompacto::Linha& l) {
+    Chave id;
+    const int n = leitor_.divide(l, campos_, id);
+    const Lido e{l.cabeca.t, campos_, n, par_, horas_.agora()};
+    entrega((*coluna_)[static_cast<std::size_t>(l.cabeca.status)], e, id);
+}
+
+void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Chave& id) {
+    const struct Espera {
+        Trabalhos& t;
+        ~Espera() { t.espera({}); }
+    } espera{p_.trabalhos_};
+    p_.trabalhos_.espera(id);
+    a(p_, e);
+}
+
+// Whether all the lines read are usual, not later than the end and of the hour that the replay is
+// in: then those that no handler takes need not be looked at one by one.
+bool LogMailFileParser::Passada::tranquilo() const {
+    time_t primeira = end_, ultima = 1;
+    for (const LeitorCompacto::Linha& l : leitor_) {
+        if (!l.usual) return false;
+        primeira = std::min(primeira, l.cabeca.t);
+        ultima = std::max(ultima, l.cabeca.t);
+    }
+    // An attempt at no time is refused, and traced.
+    return primeira != 0 && ultima <= end_ && horas_.mesma(primeira, ultima);
 }
 
 // Lets the sieve drop what cannot matter to the traced message as it stands now.
@@ -258,14 +309,19 @@ void LogMailFileParser::Passada::passa_por_cima() {
 
 // Fetches the working records that the lines read will touch, all of them at once.
 void LogMailFileParser::Passada::antecipa() {
-    std::uint32_t hashes[LeitorCompacto::maior_lote];
-    std::size_t n = 0;
-    for (const LeitorCompacto::Linha& l : leitor_)
-        if (l.usual && acao(l.cabeca)) {
-            hashes[n] = hash_chave(l.texto + l.cabeca.id, l.tamanho_do_id());
-            p_.trabalhos_.antecipa(hashes[n++]);
-        }
-    for (std::size_t i = 0; i < n; ++i) p_.trabalhos_.busca(hashes[i]);
+    servem_agora_ = 0;
+    std::uint8_t i = 0;
+    for (const LeitorCompacto::Linha& l : leitor_) {
+        servem_[servem_agora_] = i++;
+        servem_agora_ += l.usual && serve_[l.cabeca.status];
+    }
+    for (std::size_t k = 0; k < servem_agora_; ++k) {
+        LeitorCompacto::Linha& l = leitor_[servem_[k]];
+        l.indica();
+        p_.trabalhos_.antecipa(l.id.hash);
+    }
+    for (std::size_t k = 0; k < servem_agora_; ++k)
+        p_.trabalhos_.busca(leitor_[servem_[k]].id.hash);
 }
 
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,

@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "common/DList.h"
+#include "common/Tabela.h"
 #include "common/Texto.h"
 
 class Usuario;
@@ -116,4 +117,7 @@ class Msg {
 
 inline const char* chave(const Msg& m) {
     return m.id;
+}
+inline bool tem_chave(const Msg& m, const Chave& c) {
+    return igual_ao_campo(m.id, c);
 }

@@ -11,10 +11,32 @@
 
 #include "common/DList.h"
 #include "common/Reserva.h"
+#include "misc/bytes.h"
 
-// Hash of a key's bytes. Seeded once a process: the keys come from whoever sends mail, who must not
-// be able to choose texts that all fall into one place.
-std::uint32_t hash_chave(const char* chave, std::size_t tamanho);
+// Drawn once a process: the keys come from whoever sends mail, who must not be able to choose texts
+// that all fall into one place.
+extern const std::uint64_t semente_das_chaves;
+
+inline std::uint64_t mistura_na_chave(std::uint64_t h, std::uint64_t palavra) {
+    h = (h ^ palavra) * 0x9E3779B97F4A7C15u;
+    return h ^ (h >> 32);
+}
+
+// Hash of a key's bytes.
+inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
+    std::uint64_t h = semente_das_chaves ^ tamanho;
+    std::uint64_t palavra = 0;
+    if (tamanho < sizeof palavra) {
+        std::memcpy(&palavra, chave, tamanho);
+    } else {
+        const char* ultima = chave + tamanho - sizeof palavra;
+        for (; chave < ultima; chave += sizeof palavra) h = mistura_na_chave(h, oito_bytes(chave));
+        palavra = oito_bytes(ultima);
+    }
+    h = mistura_na_chave(h, palavra);
+    h = mistura_na_chave(h, h >> 29);
+    return static_cast<std::uint32_t>(h);
+}
 
 // A key to look for, its hash computed once for all the lookups.
 struct Chave {
@@ -26,6 +48,18 @@ struct Chave {
     Chave(const char* t, std::size_t n) : texto(t), tamanho(n), hash(hash_chave(t, n)) {}
     explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
 };
+
+// Whether a key kept in a field of `n` bytes, zero to its end, is this one.
+template <std::size_t n>
+bool igual_ao_campo(const char (&campo)[n], const Chave& c) {
+    return c.tamanho < n && campo[c.tamanho] == '\0' && mesmos_bytes(campo, c.texto, c.tamanho);
+}
+
+// Whether a record's key is this one; records that know the length of theirs have a quicker answer.
+template <class T>
+bool tem_chave(const T& e, const Chave& c) {
+    return std::strcmp(chave(e), c.texto) == 0;
+}
 
 // `T` brings its links and a free function `chave(const T&)` that answers its key as C text. The
 // key may not change while the element is in a table.
@@ -104,8 +138,7 @@ class Tabela : public DList<T> {
     T* procurar(const Chave& procurada) const {
         if (!vagas_) return nullptr;
         for (std::size_t i = procurada.hash & mascara_; vagas_[i].e; i = seguinte(i))
-            if (vagas_[i].hash == procurada.hash &&
-                std::strcmp(chave(*vagas_[i].e), procurada.texto) == 0)
+            if (vagas_[i].hash == procurada.hash && tem_chave(*vagas_[i].e, procurada))
                 return vagas_[i].e;
         return nullptr;
     }

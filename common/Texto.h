@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "misc/bytes.h"
+
 // A copy made with new char[], null for null. The caller owns it.
 inline char* copia_texto(const char* texto) {
     if (!texto) return nullptr;
@@ -23,7 +25,7 @@ class TextoPartilhado {
     TextoPartilhado() = default;
     // A new copy of `n` bytes.
     TextoPartilhado(const char* texto, std::size_t n)
-        : dados_(new (::operator new(sizeof(Dados) + n + 1)) Dados{1}) {
+        : dados_(new (::operator new(sizeof(Dados) + n + 1)) Dados{1, n}) {
         std::memcpy(this->texto(), texto, n);
         this->texto()[n] = '\0';
     }
@@ -38,12 +40,24 @@ class TextoPartilhado {
         if (dados_ && --dados_->donos == 0) ::operator delete(dados_);
     }
 
+    // Whether it is this text of `n` bytes.
+    bool igual(const char* texto, std::size_t n) const {
+        return dados_ && dados_->tamanho == n && mesmos_bytes(this->texto(), texto, n);
+    }
+
+    // Fetches the text, for a comparison. (Always inline: see Msg.)
+    [[gnu::always_inline]] void busca() const {
+        __builtin_prefetch(dados_);
+        __builtin_prefetch(reinterpret_cast<const char*>(dados_) + 63);
+    }
+
     // The text, which may not be changed; null when there is none.
     char* texto() const { return dados_ ? reinterpret_cast<char*>(dados_ + 1) : nullptr; }
 
   private:
     struct Dados {
         std::uint32_t donos;
+        std::size_t tamanho;
     };
     Dados* dados_ = nullptr;
 };

@@ -4,11 +4,23 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/Reserva.h"
+
 namespace {
 
 constexpr std::size_t bloco = std::size_t{64} * 1024;
 
+constinit thread_local Reserva reserva(sizeof(Trabalho));
+
 }  // namespace
+
+void* Trabalho::operator new(std::size_t n) {
+    return reserva.nova(n);
+}
+
+void Trabalho::operator delete(void* p, std::size_t n) noexcept {
+    reserva.apaga(p, n);
+}
 
 Trabalho* Trabalhos::acha_ou_novo(const char* id) {
     Trabalho* t = acha(id);
@@ -16,15 +28,18 @@ Trabalho* Trabalhos::acha_ou_novo(const char* id) {
 }
 
 Trabalho* Trabalhos::novo(const char* id, const char* remetente) {
-    char cortado[sizeof Trabalho::id] = {};
-    std::memcpy(cortado, id, strnlen(id, sizeof cortado - 1));
-    const Chave chave(cortado);
+    char cortado[sizeof Trabalho::id];
+    Chave chave = chave_de(id);
+    if (chave.tamanho >= sizeof cortado) {
+        std::memcpy(cortado, id, sizeof cortado - 1);
+        chave = Chave(cortado, sizeof cortado - 1);
+    }
     Trabalho* t = indice_.procurar(chave);
     if (!t) {
-        if (!registros_) registros_.emplace();
-        t = &registros_->emplace_back();
-        std::memcpy(t->id, cortado, sizeof cortado);
-        indice_.putFirst(t, chave.hash);
+        auto novo = std::make_unique<Trabalho>();
+        std::memcpy(novo->id, chave.texto, chave.tamanho);
+        indice_.putFirst(novo.get(), chave.hash);
+        t = novo.release();
     }
     define_remetente(t, remetente);
     t->size = 0;
@@ -61,8 +76,7 @@ char* Trabalhos::toma(std::uint32_t bytes) {
 }
 
 void Trabalhos::esquece() noexcept {
-    indice_.esquece();
-    registros_.reset();
+    indice_.apaga_se([](const Trabalho*) { return true; });
     textos_.clear();
     livres_ = 0;
 }

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "common/Tabela.h"
@@ -17,10 +15,16 @@ struct Trabalho {
     std::uint32_t lugar = 0;     // bytes that sendername has room for
     std::uint32_t size = 0;      // bytes
     bool int_user = false, spam = false, virus = false, error = false, fatal_error = false;
+
+    static void* operator new(std::size_t n);
+    static void operator delete(void* p, std::size_t n) noexcept;
 };
 
 inline const char* chave(const Trabalho& t) {
     return t.id;
+}
+inline bool tem_chave(const Trabalho& t, const Chave& c) {
+    return igual_ao_campo(t.id, c);
 }
 
 // Kept from one report of a parser to the next: lines whose submission lies before the range find
@@ -28,8 +32,13 @@ inline const char* chave(const Trabalho& t) {
 // nothing more.
 class Trabalhos {
   public:
+    Trabalhos() = default;
+    Trabalhos(const Trabalhos&) = delete;
+    Trabalhos& operator=(const Trabalhos&) = delete;
+    ~Trabalhos() { esquece(); }
+
     // The record of exactly this id, or null. Ids over 23 characters are never found.
-    Trabalho* acha(const char* id) const { return indice_.procurar(id); }
+    Trabalho* acha(const char* id) const { return indice_.procurar(chave_de(id)); }
     // The same, or a new one.
     Trabalho* acha_ou_novo(const char* id);
     // A record with nothing in it but the sender (null: unknown), in place of the one that the id
@@ -37,20 +46,26 @@ class Trabalhos {
     Trabalho* novo(const char* id, const char* remetente);
     void esquece() noexcept;
 
+    // The key of the line being handled: a look for its very text need not compute it again. It
+    // holds until another one (perhaps none) is told.
+    void espera(const Chave& chave) { esperada_ = chave; }
+
     // Hints, for ids that will be looked up soon, by the hash of their key: fetches the place of
     // the index; then the record.
     void antecipa(std::uint32_t hash) const { indice_.antecipa(hash); }
     void busca(std::uint32_t hash) const {
-        if (const Trabalho* t = indice_.provavel(hash)) __builtin_prefetch(t->id);
+        if (const Trabalho* t = indice_.provavel(hash)) __builtin_prefetch(t);
     }
 
   private:
     void define_remetente(Trabalho* t, const char* nome);
     char* toma(std::uint32_t bytes);
 
-    Tabela<Trabalho> indice_;
-    std::optional<std::deque<Trabalho>> registros_;  // an empty deque would hold memory, too
-    std::vector<std::unique_ptr<char[]>> textos_;    // blocks that the senders' texts are put into
-    char* fim_ = nullptr;                            // of the last one
-    std::size_t livres_ = 0;                         // bytes before it
+    Chave chave_de(const char* id) const { return id == esperada_.texto ? esperada_ : Chave(id); }
+
+    Tabela<Trabalho> indice_;  // owns the records
+    Chave esperada_;
+    std::vector<std::unique_ptr<char[]>> textos_;  // blocks that the senders' texts are put into
+    char* fim_ = nullptr;                          // of the last one
+    std::size_t livres_ = 0;                       // bytes before it
 };

@@ -22,7 +22,8 @@ Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? p
     std::unique_ptr<std::uint32_t[]> grande;
     if (num_periods > periodos_usuais_)
         grande = std::make_unique_for_overwrite<std::uint32_t[]>(contadores_ * num_periods);
-    const std::size_t n = nome ? std::strlen(nome) + 1 : 0;
+    tamanho_do_nome_ = nome ? std::strlen(nome) : 0;
+    const std::size_t n = nome ? tamanho_do_nome_ + 1 : 0;
     name = n > sizeof nome_ ? copia_texto(nome) : nome ? nome_ : nullptr;
     if (name == nome_) std::memcpy(nome_, nome, n);
     std::uint32_t* p = grande ? grande.release() : bloco_;
@@ -58,8 +59,7 @@ unsigned Usuario::count(InfoType qual, int periodo) const {
     return total(arrays[qual], periodo);
 }
 
-usuStats Usuario::getStats(int periodo) const {
-    return {total(sent, periodo),       total(recv, periodo),       total(bytes_sent, periodo),
-            total(bytes_recv, periodo), total(virus, periodo),      total(spam, periodo),
-            total(error, periodo),      total(att_blocked, periodo)};
+usuStats Usuario::totais() const {
+    return {total(sent, -1),  total(recv, -1), total(bytes_sent, -1), total(bytes_recv, -1),
+            total(virus, -1), total(spam, -1), total(error, -1),      total(att_blocked, -1)};
 }

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/Tabela.h"
+
 // Selects one counter array.
 enum InfoType : std::int32_t {
     SENT = 0,
@@ -71,12 +73,19 @@ class Usuario {
     int incAttBlocked(unsigned periodo, int n) { return soma(att_blocked, periodo, n); }
 
     const char* getName() const { return name; }
+    std::size_t tamanho_do_nome() const { return tamanho_do_nome_; }  // 0 when there is none
     unsigned getNumPeriods() const { return num_periods; }
 
     // One counter of a period; of all periods when `periodo` is negative; 0 outside.
     unsigned count(InfoType qual, int periodo) const;
     // All eight of a period; sums when `periodo` is negative; zeros outside.
-    usuStats getStats(int periodo) const;
+    usuStats getStats(int periodo) const {
+        if (periodo < 0) return totais();
+        const auto p = static_cast<unsigned>(periodo);
+        if (p >= num_periods) return {};
+        return {sent[p],  recv[p], bytes_sent[p], bytes_recv[p],
+                virus[p], spam[p], error[p],      att_blocked[p]};
+    }
 
   private:
     int soma(std::uint32_t* contadores, unsigned periodo, int n) {
@@ -85,16 +94,21 @@ class Usuario {
         return 1;
     }
     std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
+    usuStats totais() const;
 
     static constexpr std::size_t contadores_ = 8;
     static constexpr std::size_t periodos_usuais_ = 24;
 
     // The name and the eight arrays, one behind the other, stand in the record itself unless they
     // are larger than usual: what an event touches lies together.
+    std::size_t tamanho_do_nome_;
     char nome_[88];
     std::uint32_t bloco_[contadores_ * periodos_usuais_];
 };
 
 inline const char* chave(const Usuario& u) {
     return u.name ? u.name : "";
+}
+inline bool tem_chave(const Usuario& u, const Chave& c) {
+    return u.tamanho_do_nome() == c.tamanho && mesmos_bytes(chave(u), c.texto, c.tamanho);
 }

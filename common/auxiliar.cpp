@@ -2,6 +2,7 @@
 #include "common/auxiliar.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -41,6 +42,27 @@ Status status_de_erro(const char* palavra) {
         if (comeca(palavra, e.inicio)) return e.status;
     return STATUS_UNKNOWN;
 }
+
+// What a status with this first letter is, if its second one is the one given; NUL: any.
+struct PorLetra {
+    char segunda;
+    Status status;
+};
+
+constexpr auto status_por_letra = [] {
+    std::array<PorLetra, 26> t{};
+    t['O' - 'A'] = {'\0', OK};
+    t['E' - 'A'] = {'N', END};
+    t['R' - 'A'] = {'\0', READ};
+    t['S' - 'A'] = {'U', SUBMIT};
+    t['D' - 'A'] = {'E', DELIVER};
+    t['V' - 'A'] = {'\0', VIRUS};
+    t['A' - 'A'] = {'\0', ARQUIVO};
+    t['C' - 'A'] = {'\0', COPY};
+    t['T' - 'A'] = {'\0', TAGGED};
+    t['Q' - 'A'] = {'\0', QUARANTINE};
+    return t;
+}();
 
 char minuscula(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
@@ -110,30 +132,12 @@ Agent getAgent(const char* word) {
 
 Status getStatus(const char* word) {
     if (!word) return STATUS_UNKNOWN;
-    switch (word[0]) {
-        case 'O':
-            return OK;
-        case 'E':
-            return word[1] == 'N' ? END : status_de_erro(word);
-        case 'R':
-            return READ;
-        case 'S':
-            return word[1] == 'U' ? SUBMIT : STATUS_UNKNOWN;
-        case 'D':
-            return word[1] == 'E' ? DELIVER : word[1] == 'I' ? DISCARD : STATUS_UNKNOWN;
-        case 'V':
-            return VIRUS;
-        case 'A':
-            return ARQUIVO;
-        case 'C':
-            return COPY;
-        case 'T':
-            return TAGGED;
-        case 'Q':
-            return QUARANTINE;
-        default:
-            return STATUS_UNKNOWN;
-    }
+    const auto letra = static_cast<unsigned char>(word[0] - 'A');
+    if (letra >= std::size(status_por_letra)) return STATUS_UNKNOWN;
+    const PorLetra& p = status_por_letra[letra];
+    if (p.segunda == '\0' || p.segunda == word[1]) return p.status;
+    if (word[0] == 'E') return status_de_erro(word);
+    return word[0] == 'D' && word[1] == 'I' ? DISCARD : STATUS_UNKNOWN;
 }
 
 UserType getUserType(const char* word) {

@@ -44,14 +44,17 @@ inline bool Crivo::importa(const char* linha, std::size_t n) {
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
     std::size_t inicio = 0;  // of the line whose end is looked for
-    std::size_t i = 0;
-    for (; i + 64 <= n; i += 64)
-        for (std::uint64_t m = finais(p + i); m != 0; m &= m - 1) {
-            const std::size_t fim = i + static_cast<unsigned>(std::countr_zero(m)) + 1;
+    while (true) {
+        const std::size_t base = inicio;
+        const std::size_t achados =
+            finais_.acha(p + base, std::min(n - base, FinaisDeLinha::maior));
+        for (std::size_t i = 0; i < achados; ++i) {
+            const std::size_t fim = base + finais_[i] + 1;
             if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio)) return inicio;
             inicio = fim;
         }
-    return inicio;
+        if (achados == 0) return inicio;
+    }
 }
 
 void LeitorCompacto::abre(int fd) {
@@ -65,40 +68,27 @@ void LeitorCompacto::passa(Crivo& crivo) {
     leitor_.pula(crivo.sobra(lidos, quantos, maior_linha));
 }
 
-// Takes lines whose ends lie close ahead in what is read.
-void LeitorCompacto::toma_inteiras() {
-    std::size_t quantos;
-    const char* p = leitor_.lidos(quantos);
-    const std::size_t finais = finais_.acha(p, std::min(quantos, trecho));
-    std::size_t inicio = 0;
-    for (; lidas_ < std::min(finais, maior_lote); ++lidas_) {
-        const std::size_t fim = finais_[lidas_] + 1;
-        if (fim - inicio > maior_linha) break;
-        linhas_[lidas_].texto = const_cast<char*>(p + inicio);
-        linhas_[lidas_].tamanho = fim - inicio;
-        inicio = fim;
-    }
-    leitor_.pula(inicio);
-}
-
 bool LeitorCompacto::le_lote(bool so_uma) {
-    lidas_ = tomadas_ = 0;
-    if (!so_uma) toma_inteiras();
-    if (lidas_ == 0) {
-        const char* p;
-        linhas_[0].tamanho = leitor_.proxima(&p, maior_linha);
-        if (linhas_[0].tamanho == 0) return false;
-        linhas_[0].texto = const_cast<char*>(p);
-        lidas_ = 1;
+    LeitorLinhas::Trecho trechos[maior_lote];
+    lidas_ = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
+    tomadas_ = 0;
+    for (std::size_t i = 0; i < lidas_; ++i) {
+        Linha& l = linhas_[i];
+        l.texto = trechos[i].inicio;
+        l.tamanho = trechos[i].tamanho;
+        l.id = Chave();
+        l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
     }
-    for (std::size_t i = 0; i < lidas_; ++i)
-        linhas_[i].usual = cabecas_.le(linhas_[i].texto, linhas_[i].tamanho, linhas_[i].cabeca);
-    return true;
+    return lidas_ != 0;
 }
 
-std::size_t LeitorCompacto::Linha::tamanho_do_id() const {
+void LeitorCompacto::Linha::indica() {
+    const char* p = texto + cabeca.id;
     const std::size_t resto = tamanho - cabeca.id;
-    return Marcas(texto + cabeca.id, resto).proxima();
+    // Ids are short: hardly ever does one reach behind what is looked at first.
+    const std::uint64_t m = marcas(p, std::min<std::size_t>(resto, 32));
+    const auto n = m ? static_cast<std::size_t>(std::countr_zero(m)) : Marcas(p, resto).proxima();
+    id = Chave(p, n);
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {
@@ -107,19 +97,23 @@ char* LeitorCompacto::copia(const Linha& linha) {
     return copia_;
 }
 
-int LeitorCompacto::divide(const Linha& linha, char** campos) {
-    const std::size_t n = linha.tamanho - 1;
-    // What a NUL cuts off, or the file's end, is not told by the marks.
-    if (linha.texto[n] != '\n' || std::memchr(linha.texto, '\0', n))
-        return reparte(copia(linha), ' ', campos);
-    linha.texto[n] = '\0';
-    campos[0] = linha.texto;
+int LeitorCompacto::divide(const Linha& linha, char** campos, Chave& id) {
+    const std::size_t n = linha.tamanho;
+    id = Chave();
+    if (n > Separadores::maior) return reparte(copia(linha), ' ', campos);
+    Separadores s = copia_separando(copia_, linha.texto, n);
+    // A line that has not its end, or another control before it, may mean something else.
+    if (s.corta(n) != n - 1 || copia_[n - 1] != '\n') return reparte(copia(linha), ' ', campos);
+    copia_[n - 1] = '\0';
+    campos[0] = copia_;
     int total = 1;
-    Marcas marcas(linha.texto, n);
-    for (std::size_t i; (i = marcas.proxima()) < n;)
-        if (linha.texto[i] == ' ') {
-            linha.texto[i] = '\0';
-            campos[total++] = linha.texto + i + 1;
-        }
+    s.para_cada_branco([&](std::size_t i) {
+        copia_[i] = '\0';
+        campos[total++] = copia_ + i + 1;
+    });
+    if (linha.id.texto) {
+        id = linha.id;
+        id.texto = campos[3];
+    }
     return total;
 }

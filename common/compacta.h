@@ -9,6 +9,8 @@
 #include <cstring>
 #include <ctime>
 
+#include "common/Tabela.h"
+#include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 
@@ -21,16 +23,12 @@ struct Cabeca {
     std::size_t id;  // where field 3 begins
 };
 
-// The first eight bytes of a text that has as many.
-inline std::uint64_t oito_bytes(const char* p) {
-    std::uint64_t v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
 // Reads heads one after the other; of lines of the same second the time is converted once.
 class LeitorDeCabecas {
   public:
+    // What a head can tell of an event's status: two digits.
+    static constexpr int num_status = 100;
+
     // Shorter lines are not looked at: none that was ever written is.
     static constexpr std::size_t menor = 16;
 
@@ -93,6 +91,7 @@ class Crivo {
     time_t fim_;
     std::uint64_t vistos_ = 0;  // a bit for each status that must be seen
     LeitorDeCabecas cabecas_;
+    FinaisDeLinha finais_;
 };
 
 // The lines of a compact file, a few dozen at a time and where they were read, with their heads.
@@ -101,13 +100,17 @@ class LeitorCompacto {
     static constexpr std::size_t maior_linha = 2047;  // bytes; what is longer goes on as another
 
     struct Linha {
-        char* texto;  // in the reader's block, not NUL-terminated
+        const char* texto;  // in the reader's block, not NUL-terminated
         std::size_t tamanho;
         bool usual;  // `cabeca` holds
         Cabeca cabeca;
 
-        // Of a usual line: bytes of field 3.
-        std::size_t tamanho_do_id() const;
+        // What of field 3 stands before a blank, CR or LF, as a key, told by indica(); else it has
+        // no text.
+        Chave id;
+
+        // Of a usual line: makes `id` known.
+        void indica();
     };
     static constexpr std::size_t maior_lote = 64;
 
@@ -121,24 +124,22 @@ class LeitorCompacto {
     bool le_lote(bool so_uma);
     const Linha* begin() const { return linhas_; }
     const Linha* end() const { return linhas_ + lidas_; }
+    Linha& operator[](std::size_t i) { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
+    void toma_todas() { tomadas_ = lidas_; }
 
     // Passes over what the sieve lets drop. Only while vazio().
     void passa(Crivo& crivo);
 
     // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
     char* copia(const Linha& linha);
-    // Splits a usual line as explode() does with blanks; answers how many fields.
-    int divide(const Linha& linha, char** campos);
+    // Splits a usual line as explode() does with blanks; answers how many fields. They hold until
+    // the next call. `id` becomes the key of field 3 if that is known, else one without a text.
+    int divide(const Linha& linha, char** campos, Chave& id);
 
   private:
-    static constexpr std::size_t trecho = 2048;  // bytes that a batch is taken from
-
-    void toma_inteiras();
-
     LeitorLinhas leitor_;
     LeitorDeCabecas cabecas_;
-    FinaisDeLinha finais_;
     Linha linhas_[maior_lote];
     std::size_t lidas_ = 0, tomadas_ = 0;
     char copia_[maior_linha + 1];

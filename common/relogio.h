@@ -23,6 +23,10 @@ class Relogio {
     // The hour of the day (0 to 23) at `t`, local time; -1 when it cannot be had.
     int hora_do_dia(time_t t);
 
+    // Whether two times, neither before 1970, lie in the same quarter of an hour of UTC. Zones
+    // shift at those: within one the hour of the day is the same.
+    static bool mesmo_quarto(time_t a, time_t b) { return a / 900 == b / 900; }
+
     // The same for a text in a buffer that holds at least `carimbo` bytes. Of the lines of a busy
     // log most are of the same second as the one before: then nothing is converted at all.
     time_t da_linha(const char* linha) {

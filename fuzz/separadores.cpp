@@ -49,6 +49,15 @@ void confere_explode(const std::string& texto, char sep) {
     exige(Palavras(q.get(), q.get() + m) == quer, "reparte as explode");
 }
 
+void confere_separadores(const std::string& bytes) {
+    const auto texto = copia(bytes, false);
+    char a[Separadores::maior], b[Separadores::maior];
+    const Separadores s = copia_separando(a, texto.get(), bytes.size());
+    const Separadores t = copia_separando_um_a_um(b, texto.get(), bytes.size());
+    exige(std::memcmp(&s, &t, sizeof s) == 0, "what separates the words");
+    exige(std::string(a, bytes.size()) == bytes, "the copy of the words");
+}
+
 void confere_marcas(const std::string& bytes) {
     const auto texto = copia(bytes, false);
     const std::size_t n = bytes.size();
@@ -57,16 +66,8 @@ void confere_marcas(const std::string& bytes) {
             if (i + m <= n) exige(marcas(&texto[i], m) == marcas_uma_a_uma(&texto[i], m), "marcas");
     for (std::size_t i = 0; i + 64 <= n; i += 13)
         exige(finais(&texto[i]) == finais_um_a_um(&texto[i]), "finais");
-
-    FinaisDeLinha finais;
-    const std::size_t parte = std::min(n, FinaisDeLinha::maior);
-    const std::size_t achados = finais.acha(texto.get(), parte);
-    std::size_t p = 0;
-    for (std::size_t i = 0; i < achados; ++i, ++p) {
-        p = bytes.find('\n', p);
-        exige(finais[i] == p, "the position of a line's end");
-    }
-    exige(bytes.substr(0, parte).find('\n', p) == std::string::npos, "all line ends are found");
+    for (std::size_t i = 0; i < n; i += 17) confere_separadores(bytes.substr(i, 128));
+    confere_separadores(bytes.substr(0, bytes.size() % 128));
 }
 
 // The lines of a file by single lines and by batches, whatever is asked of the system at a time.

@@ -58,11 +58,15 @@ std::size_t LeitorLinhas::varias(Trecho* linhas, std::size_t max, std::size_t li
     linhas[0].tamanho = proxima(&linhas[0].inicio, limite);
     if (linhas[0].tamanho == 0) return 0;
     std::size_t n = 1;
-    for (; n < max; ++n) {
-        const std::size_t tamanho = completa(0, limite);
-        if (tamanho == 0) break;
-        linhas[n] = {memoria_.get() + inicio_, tamanho};
-        inicio_ += tamanho;
+    if (max == 1) return n;
+    const char* p = memoria_.get();
+    const std::size_t base = inicio_;
+    const std::size_t achados = finais_.acha(p + base, std::min(fim_ - base, FinaisDeLinha::maior));
+    for (std::size_t i = 0; i < achados && n < max; ++i) {
+        const std::size_t fim = base + finais_[i] + 1;
+        if (fim - inicio_ > limite) break;
+        linhas[n++] = {p + inicio_, fim - inicio_};
+        inicio_ = fim;
     }
     return n;
 }

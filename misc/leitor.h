@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "misc/finais.h"
+
 class LeitorLinhas {
   public:
     // Bytes asked of the system at a time, unless told otherwise.
@@ -29,8 +31,8 @@ class LeitorLinhas {
         std::size_t tamanho;
     };
 
-    // As proxima(), and as many of the lines behind it, up to `max` in all, as were read already.
-    // Answers how many (0: as proxima() answers 0). All hold until the next call.
+    // As proxima(), and lines behind it that were read already, up to `max` in all. Answers how
+    // many (0: as proxima() answers 0). All hold until the next call.
     std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
 
     // The bytes that are read and not yet handed out, and passing over the first of them.
@@ -44,6 +46,7 @@ class LeitorLinhas {
     bool enche();
     std::size_t completa(std::size_t visto, std::size_t limite) const;
 
+    FinaisDeLinha finais_;
     std::unique_ptr<char[]> memoria_;
     std::size_t leitura_ = 0;
     std::size_t inicio_ = 0;  // the bytes [inicio_, fim_) are read and not yet handed out

@@ -84,6 +84,11 @@ TEST(Auxiliar, marcasEPalavrasComoUmaAUma) {
             const std::size_t m = std::min<std::size_t>(n - i, 1 + sorte() % 64);
             ASSERT_EQ(marcas(&texto[n - m], m), marcas_uma_a_uma(&texto[n - m], m));
         }
+        char a[Separadores::maior], b[Separadores::maior];
+        const std::size_t m = std::min(n, Separadores::maior);
+        const Separadores s = copia_separando(a, &texto[n - m], m);
+        const Separadores quer = copia_separando_um_a_um(b, &texto[n - m], m);
+        ASSERT_EQ(std::memcmp(&s, &quer, sizeof s) | std::memcmp(a, b, m), 0);
         const std::string linha = texto.get();
         char* t[50] = {};
         const int max = static_cast<int>(sorte() % 50);

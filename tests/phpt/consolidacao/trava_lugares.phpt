@@ -1,5 +1,5 @@
 --TEST--
-What may stand in the lock's place, a cleaned /tmp, and six processes at once, in a private /tmp
+What may stand in the lock's place, a cleaned /tmp, and six processes at once, in a root of its own
 --CONFLICTS--
 lock
 --ENV--
@@ -7,7 +7,9 @@ TZ=UTC0
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
-isolado('mount -t tmpfs vt /tmp', <<<'CODIGO'
+$raiz = arvore(__FILE__);
+raiz_propria($raiz);
+isolado($raiz, <<<'CODIGO'
 const TRAVA = '/tmp/vtmrel.lck';
 
 // A process that consolidates a tree of its own at each line it is sent and tells how many files
@@ -37,10 +39,16 @@ function termina(array ...$processos): void
 }
 
 file_put_contents('/tmp/alheio', 'alheio');
-foreach (['nothing' => ':', 'a file of another size and mode' => 'echo texto > L; chmod 644 L', 'a link' => 'ln -s /tmp/alheio L',
-    'a link to nothing' => 'ln -s /tmp/nada L', 'a FIFO' => 'mkfifo L', 'a directory' => 'mkdir L'] as $caso => $faz) {
+foreach ([
+    'nothing' => fn() => null,
+    'a file of another size and mode' => fn() => file_put_contents(TRAVA, 'texto') && chmod(TRAVA, 0644),
+    'a link' => fn() => symlink('/tmp/alheio', TRAVA),
+    'a link to nothing' => fn() => symlink('/tmp/nada', TRAVA),
+    'a FIFO' => fn() => exec('mkfifo ' . TRAVA),
+    'a directory' => fn() => mkdir(TRAVA),
+] as $caso => $faz) {
     limpa(TRAVA);
-    exec(str_replace('L', TRAVA, $faz));
+    $faz();
     $tipo = @filetype(TRAVA);
     $p = processo();
     echo "$caso: ", consolida($p), ' ', @filetype(TRAVA) === ($tipo ?: 'file') ? 'stays' : 'changed', "\n";
@@ -68,6 +76,7 @@ for ($vez = 0; $vez < 3; ++$vez) {
     termina(...$seis);
 }
 CODIGO);
+limpa($raiz);
 ?>
 --EXPECT--
 nothing: 2 stays
