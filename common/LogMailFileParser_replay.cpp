@@ -196,7 +196,8 @@ class LogMailFileParser::Passada {
                 if (!leitor_.le_lote(iniciado_ && peneira_)) return;
                 if (coluna_ && !peneira_) antecipa();
                 if (!peneira_ && iniciado_ && tranquilo()) {
-                    for (std::size_t i = 0; i < servem_agora_; ++i) trata(leitor_[servem_[i]]);
+                    for (std::size_t i = 0; i < servem_agora_; ++i)
+                        trata(leitor_[servem_[i]], ids_[i]);
                     leitor_.toma_todas();
                     continue;
                 }
@@ -207,7 +208,7 @@ class LogMailFileParser::Passada {
 
   private:
     bool linha(const LeitorCompacto::Linha& l);
-    void trata(const LeitorCompacto::Linha& l);
+    void trata(const LeitorCompacto::Linha& l, Chave id);
     void entrega(Replay::Acao a, const Lido& e, const Chave& id);
     void passa_por_cima();
     void antecipa();
@@ -239,6 +240,7 @@ class LogMailFileParser::Passada {
     LeitorCompacto leitor_;
     bool serve_[LeitorDeCabecas::num_status] = {};     // the statuses that the report looks at
     std::uint8_t servem_[LeitorCompacto::maior_lote];  // the lines read that have one of them
+    Chave ids_[LeitorCompacto::maior_lote];            // and their ids
     std::size_t servem_agora_ = 0;
     char* campos_[LeitorCompacto::maior_linha + 1];
 };
@@ -268,8 +270,7 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
 }
 
 // The same for a usual line of which is known that it is in range and of this hour.
-void LogMailFileParser::Passada::trata(const LeitorCompacto::Linha& l) {
-    Chave id;
+void LogMailFileParser::Passada::trata(const LeitorCompacto::Linha& l, Chave id) {
     const int n = leitor_.divide(l, campos_, id);
     const Lido e{l.cabeca.t, campos_, n, par_, horas_.agora()};
     entrega((*coluna_)[static_cast<std::size_t>(l.cabeca.status)], e, id);
@@ -316,12 +317,10 @@ void LogMailFileParser::Passada::antecipa() {
         servem_agora_ += l.usual && serve_[l.cabeca.status];
     }
     for (std::size_t k = 0; k < servem_agora_; ++k) {
-        LeitorCompacto::Linha& l = leitor_[servem_[k]];
-        l.indica();
-        p_.trabalhos_.antecipa(l.id.hash);
+        ids_[k] = leitor_[servem_[k]].id();
+        p_.trabalhos_.antecipa(ids_[k].hash);
     }
-    for (std::size_t k = 0; k < servem_agora_; ++k)
-        p_.trabalhos_.busca(leitor_[servem_[k]].id.hash);
+    for (std::size_t k = 0; k < servem_agora_; ++k) p_.trabalhos_.busca(ids_[k].hash);
 }
 
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,

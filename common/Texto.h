@@ -47,6 +47,7 @@ class TextoPartilhado {
 
     // Fetches the text, for a comparison. (Always inline: see Msg.)
     [[gnu::always_inline]] void busca() const {
+        if (!dados_) return;
         __builtin_prefetch(dados_);
         __builtin_prefetch(reinterpret_cast<const char*>(dados_) + 63);
     }

@@ -76,19 +76,18 @@ bool LeitorCompacto::le_lote(bool so_uma) {
         Linha& l = linhas_[i];
         l.texto = trechos[i].inicio;
         l.tamanho = trechos[i].tamanho;
-        l.id = Chave();
         l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
     }
     return lidas_ != 0;
 }
 
-void LeitorCompacto::Linha::indica() {
+Chave LeitorCompacto::Linha::id() const {
     const char* p = texto + cabeca.id;
     const std::size_t resto = tamanho - cabeca.id;
     // Ids are short: hardly ever does one reach behind what is looked at first.
     const std::uint64_t m = marcas(p, std::min<std::size_t>(resto, 32));
     const auto n = m ? static_cast<std::size_t>(std::countr_zero(m)) : Marcas(p, resto).proxima();
-    id = Chave(p, n);
+    return Chave(p, n);
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {
@@ -99,11 +98,13 @@ char* LeitorCompacto::copia(const Linha& linha) {
 
 int LeitorCompacto::divide(const Linha& linha, char** campos, Chave& id) {
     const std::size_t n = linha.tamanho;
-    id = Chave();
-    if (n > Separadores::maior) return reparte(copia(linha), ' ', campos);
-    Separadores s = copia_separando(copia_, linha.texto, n);
+    Separadores s{};
+    if (n <= Separadores::maior) s = copia_separando(copia_, linha.texto, n);
     // A line that has not its end, or another control before it, may mean something else.
-    if (s.corta(n) != n - 1 || copia_[n - 1] != '\n') return reparte(copia(linha), ' ', campos);
+    if (n > Separadores::maior || s.corta(n) != n - 1 || copia_[n - 1] != '\n') {
+        id = Chave();
+        return reparte(copia(linha), ' ', campos);
+    }
     copia_[n - 1] = '\0';
     campos[0] = copia_;
     int total = 1;
@@ -111,9 +112,6 @@ int LeitorCompacto::divide(const Linha& linha, char** campos, Chave& id) {
         copia_[i] = '\0';
         campos[total++] = copia_ + i + 1;
     });
-    if (linha.id.texto) {
-        id = linha.id;
-        id.texto = campos[3];
-    }
+    if (id.texto) id.texto = campos[3];
     return total;
 }

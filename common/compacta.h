@@ -105,14 +105,10 @@ class LeitorCompacto {
         bool usual;  // `cabeca` holds
         Cabeca cabeca;
 
-        // What of field 3 stands before a blank, CR or LF, as a key, told by indica(); else it has
-        // no text.
-        Chave id;
-
-        // Of a usual line: makes `id` known.
-        void indica();
+        // Of a usual line: what of field 3 stands before a blank, CR or LF, as a key.
+        Chave id() const;
     };
-    static constexpr std::size_t maior_lote = 64;
+    static constexpr std::size_t maior_lote = 80;
 
     // Starts reading at the current position of `fd`, which stays the caller's.
     void abre(int fd);
@@ -124,7 +120,7 @@ class LeitorCompacto {
     bool le_lote(bool so_uma);
     const Linha* begin() const { return linhas_; }
     const Linha* end() const { return linhas_ + lidas_; }
-    Linha& operator[](std::size_t i) { return linhas_[i]; }
+    const Linha& operator[](std::size_t i) const { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
     void toma_todas() { tomadas_ = lidas_; }
 
@@ -134,7 +130,8 @@ class LeitorCompacto {
     // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
     char* copia(const Linha& linha);
     // Splits a usual line as explode() does with blanks; answers how many fields. They hold until
-    // the next call. `id` becomes the key of field 3 if that is known, else one without a text.
+    // the next call. `id`, what Linha::id() answered or empty, becomes the key of field 3 if that
+    // is known, else one without a text.
     int divide(const Linha& linha, char** campos, Chave& id);
 
   private:

@@ -113,6 +113,11 @@ engine_opcache() {
     set -- -d zend_extension=opcache -d opcache.enable_cli=1
     probe 'run with opcache' 'opcache_get_status()["opcache_enabled"]' "$@"
     suite opcache "$@"
+    say "the packaged engine, with opcache and preloaded code"
+    # shellcheck disable=SC2016
+    set -- "$@" -d "opcache.preload=$root/engines/preload.php" -d "opcache.preload_user=$(id -un)"
+    probe 'run with preloaded code' 'is_int((new Preloaded())->total())' "$@" -d "extension=$extension"
+    suite preload "$@"
 }
 
 # By function: all is compiled before it runs. By trace: the test runner sets the thresholds to 1.
