@@ -3,6 +3,7 @@
 #include "faults/rastreio.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -304,6 +305,7 @@ Execucao roda(const Plano& plano, const std::function<void()>& prepara,
     if (filho == 0) {
         prepara();
         alarm(limite_de_tempo);
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // a sweep that is broken off leaves nobody behind
         if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(127);
         raise(SIGSTOP);
         _exit(trabalho());
