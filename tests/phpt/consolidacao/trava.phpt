@@ -20,12 +20,16 @@ echo 'held by the other: ', count(arquivos($raiz)), " files\n";
 fclose($canos[0]);
 proc_close($outro);
 
-// It has ended: now the lock is ours, again and again, also when the object is gone.
+// It has ended: now the lock is ours, again and again, also when the object is gone; by the same
+// descriptor, since to close any of the file would let go of it.
+$abertos = fn() => array_filter(glob('/proc/self/fd/*'), fn($fd) => @readlink($fd) === '/tmp/vtmrel.lck');
 for ($i = 1; $i <= 2; ++$i) {
     limpa("$raiz/dat");
     limpa("$raiz/ultima");
     parser($raiz)->consolidate("$raiz/ultima");
-    echo 'ours: ', count(arquivos($raiz)), " files\n";
+    $antes = $meus ?? [];
+    $meus = $abertos();
+    echo 'ours: ', count(arquivos($raiz)), ' files', $meus === $antes ? ', the same descriptor' : '', "\n";
 }
 limpa("$raiz/dat");
 $outro = outro_php($consolida, $canos);
@@ -44,7 +48,7 @@ limpa(arvore(__FILE__));
 other: done
 held by the other: 0 files
 ours: 2 files
-ours: 2 files
+ours: 2 files, the same descriptor
 other: done
 held by us: 0 files
 mode 600
