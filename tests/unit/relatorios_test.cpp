@@ -123,7 +123,7 @@ TEST(Relatorios, linhasQueOReplayVe) {
 15 9:30,15 11,9 A|10 B|9 C|@0 1 1 D I a 1|@x 1 1 E I a 1,,, => EDCB
 15 9:30,15 11,10 A|12 B|10:30 C,,, => A
 # After such a stop the next file is searched again for the start.
-15 9,16 11,10 A|@ffffffff 2 4 X,@1 1 1 B I a 1|10 C|@1 1 1 D I a 1,, => DCA
+15 9,16 11,10 A|@7fffffff 2 4 X,@1 1 1 B I a 1|10 C|@1 1 1 D I a 1,, => DCA
 # A file that ends in range hands on to the whole next one, also over a missing day.
 15 9,17 11,10 A,,@1 1 1 B I a 1|10 C, => CBA
 # A file without a line in range leaves the search on.
