@@ -164,7 +164,7 @@ class LeitorTag {
             if (!valor_.IsEmpty())
                 valor = std::make_unique<VeltoString>(valor_.c_str(), valor_.Length());
             const int i = valor ? lista.AddObject("", valor.get()) : lista.Add("");
-            valor.release();
+            static_cast<void>(valor.release());  // the list has it
             lista[i].loadPChar(nome_.c_str(), nome_.Length());
         }
         nome_.Empty();
