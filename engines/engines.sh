@@ -148,7 +148,7 @@ engine_valgrind() {
     find tests/phpt -name '*.phpt' | sort | comm -23 - "$here/long" >"$here/short"
     echo "$(wc -l <"$here/short") short tests; $(wc -l <"$here/long") take two seconds or more"
     # shellcheck disable=SC2046
-    VALGRIND_OPTS="--trace-children-skip=*/chroot --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite \
+    VALGRIND_OPTS="--trace-children-skip=*/chroot,*/ldd --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite \
         --suppressions=$root/engines/engines.supp" \
         run_phpt engines/valgrind -m $(cat "$here/short")
 }

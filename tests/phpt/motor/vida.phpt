@@ -58,7 +58,7 @@ echo 'fork: ', pcntl_wexitstatus($estado), ' ', $i->fetch(), $i->msg_id, "\n";
 
 // Limits reached in a walk end the script in order: its shutdown function still walks. What the
 // loop keeps are texts that a publish made, so that the memory ends in the middle of one.
-foreach (['memory_limit' => '$x[$n++] = $i->msg_sendername;', 'max_execution_time' => ''] as $limite => $passo) {
+foreach (['memory_limit' => ['$x[$n++] = $i->msg_sendername;', 30], 'max_execution_time' => ['', 1]] as $limite => [$passo, $segundos]) {
     $codigo = 'ini_set("display_errors", "0"); register_shutdown_function(function () {
             ini_set("memory_limit", -1);
             echo substr(error_get_last()["message"], 0, 19), " ", $GLOBALS["i"]->fetch(), $GLOBALS["i"]->fetch(), "\n";
@@ -66,7 +66,7 @@ foreach (['memory_limit' => '$x[$n++] = $i->msg_sendername;', 'max_execution_tim
         $raiz = ' . var_export($raiz, true) . '; $m = parser($raiz); $i = new vt_mrel_itr();
         $m->user_msgs("", "", DIA, DIA + 86399, "", 0, 0, $i->getHandle());
         $x = array_fill(0, 100000, $n = 0);
-        ini_set("memory_limit", memory_get_usage(true) + (1 << 21)); set_time_limit(1);
+        ini_set("memory_limit", memory_get_usage(true) + (1 << 21)); set_time_limit(' . $segundos . ');
         for (;;) { $i->fetch(); ' . $passo . ' }';
     $p = outro_php($codigo, $canos);
     echo "$limite: ", stream_get_contents($canos[1]);
