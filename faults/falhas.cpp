@@ -20,7 +20,7 @@ namespace {
 
 class Pasta {
   public:
-    Pasta() : path_((std::filesystem::temp_directory_path() / "falhas_XXXXXX").string()) {
+    Pasta() : path_(std::filesystem::temp_directory_path() / ("falhas_" + std::string(6, 'X'))) {
         if (!mkdtemp(path_.data())) throw std::runtime_error("no temporary directory");
     }
     Pasta(const Pasta&) = delete;

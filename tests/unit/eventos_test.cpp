@@ -280,6 +280,20 @@ TEST(Eventos, recusasDosRelatorios) {
     EXPECT_EQ(p.msgs_per_hour_handle_OK(1, id, nullptr, nullptr, 0), 1);
 }
 
+// A field longer than all that is collected before a writing goes out whole, in its place.
+TEST(Eventos, campoMaiorQueOBuffer) {
+    const std::string longo(Escrita::bloco + 5, 'r');
+    Memoria compacto;
+    LogMailFileParser p;
+    p.compact_logfile = compacto.stream;
+    EXPECT_EQ(p.handle_MAILQ_END("1", "A"), 1);
+    EXPECT_EQ(p.handle_MAILQ_OK("2", "A", longo.c_str()), 1);
+    EXPECT_EQ(p.handle_MAILQ_END("3", "A"), 1);
+    p.compact_logfile = nullptr;
+    p.consolidate(nullptr);
+    EXPECT_EQ(compacto.texto(), "1 1 4 A\n2 1 2 A " + longo + "\n3 1 4 A\n");
+}
+
 // A line without a readable stamp is followed but belongs to no hour.
 TEST(Eventos, horaIlegivel) {
     Rele r;
