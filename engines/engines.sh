@@ -68,7 +68,8 @@ inside() {
             : >"$1/dev/$n"
             mount --bind "/dev/$n" "$1/dev/$n"
         done
-        mkdir "$1/dev/pts" "$1/dev/shm"
+        mkdir "$1/dev/pts"
+        mkdir -m 1777 "$1/dev/shm"
         mount -t devpts -o newinstance,ptmxmode=0666 pts "$1/dev/pts"
         ln -s pts/ptmx "$1/dev/ptmx"
         ln -s /proc/self/fd "$1/dev/fd"
