@@ -194,11 +194,10 @@ class LogMailFileParser::Passada {
         for (bool segue = true; segue;) {
             if (leitor_.vazio()) {
                 if (iniciado_ && peneira_) passa_por_cima();
-                if (!leitor_.le_lote(iniciado_ && peneira_)) return;
+                if (!leitor_.le_lote(iniciado_ && peneira_, serve_)) return;
                 if (coluna_ && !peneira_) antecipa();
                 if (!peneira_ && iniciado_ && tranquilo()) {
-                    for (std::size_t i = 0; i < servem_agora_; ++i)
-                        trata(leitor_[servem_[i]], ids_[i]);
+                    for (std::size_t i = 0; i < leitor_.servem(); ++i) trata(partes_[i]);
                     leitor_.toma_todas();
                     continue;
                 }
@@ -209,7 +208,7 @@ class LogMailFileParser::Passada {
 
   private:
     bool linha(const LeitorCompacto::Linha& l);
-    void trata(const LeitorCompacto::Linha& l, Chave id);
+    void trata(LeitorCompacto::Partes& p);
     void entrega(Replay::Acao a, const Lido& e, const Chave& id);
     void passa_por_cima();
     void antecipa();
@@ -239,10 +238,8 @@ class LogMailFileParser::Passada {
     Horas horas_;
     Crivo crivo_;
     LeitorCompacto leitor_;
-    bool serve_[LeitorDeCabecas::num_status] = {};     // the statuses that the report looks at
-    std::uint8_t servem_[LeitorCompacto::maior_lote];  // the lines read that have one of them
-    Chave ids_[LeitorCompacto::maior_lote];            // and their ids
-    std::size_t servem_agora_ = 0;
+    bool serve_[LeitorDeCabecas::num_status] = {};  // the statuses that the report looks at
+    LeitorCompacto::Partes partes_[LeitorCompacto::maior_lote];  // the lines read that have one
     char* campos_[LeitorCompacto::maior_linha + 1];
 };
 
@@ -264,17 +261,21 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
     if (por_hora_ && !(e.hora = horas_.de(e.t))) return true;
     const Replay::Acao a = l.usual ? acao(l.cabeca) : acao(e.n > 2 ? decimal32(campos_[2]) : 0);
     if (!a) return true;
-    Chave id;
-    if (l.usual) e.n = leitor_.divide(l, campos_, id);
-    entrega(a, e, id);
+    LeitorCompacto::Partes p;
+    if (l.usual) {
+        LeitorCompacto::separa(l, p);
+        e.n = leitor_.campos(p, campos_);
+    }
+    entrega(a, e, p.id);
     return true;
 }
 
 // The same for a usual line of which is known that it is in range and of this hour.
-void LogMailFileParser::Passada::trata(const LeitorCompacto::Linha& l, Chave id) {
-    const int n = leitor_.divide(l, campos_, id);
-    const Lido e{l.cabeca.t, campos_, n, par_, horas_.agora()};
-    entrega((*coluna_)[static_cast<std::size_t>(l.cabeca.status)], e, id);
+void LogMailFileParser::Passada::trata(LeitorCompacto::Partes& p) {
+    const Cabeca& c = p.linha->cabeca;
+    const int n = leitor_.campos(p, campos_);
+    const Lido e{c.t, campos_, n, par_, horas_.agora()};
+    entrega((*coluna_)[static_cast<std::size_t>(c.status)], e, p.id);
 }
 
 void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Chave& id) {
@@ -289,14 +290,9 @@ void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Ch
 // Whether all the lines read are usual, not later than the end and of the hour that the replay is
 // in: then those that no handler takes need not be looked at one by one.
 bool LogMailFileParser::Passada::tranquilo() const {
-    time_t primeira = end_, ultima = 1;
-    for (const LeitorCompacto::Linha& l : leitor_) {
-        if (!l.usual) return false;
-        primeira = std::min(primeira, l.cabeca.t);
-        ultima = std::max(ultima, l.cabeca.t);
-    }
     // An attempt at no time is refused, and traced.
-    return primeira != 0 && ultima <= end_ && horas_.mesma(primeira, ultima);
+    return leitor_.todas_usuais() && leitor_.primeira() != 0 && leitor_.ultima() <= end_ &&
+           horas_.mesma(leitor_.primeira(), leitor_.ultima());
 }
 
 // Lets the sieve drop what cannot matter to the traced message as it stands now.
@@ -309,19 +305,15 @@ void LogMailFileParser::Passada::passa_por_cima() {
     leitor_.passa(crivo_);
 }
 
-// Fetches the working records that the lines read will touch, all of them at once.
+// Takes apart the lines read that matter, and fetches the working records that they will touch, all
+// of them at once.
 void LogMailFileParser::Passada::antecipa() {
-    servem_agora_ = 0;
-    std::uint8_t i = 0;
-    for (const LeitorCompacto::Linha& l : leitor_) {
-        servem_[servem_agora_] = i++;
-        servem_agora_ += l.usual && serve_[l.cabeca.status];
+    const std::size_t n = leitor_.servem();
+    for (std::size_t i = 0; i < n; ++i) {
+        LeitorCompacto::separa(leitor_.que_serve(i), partes_[i]);
+        p_.trabalhos_.antecipa(partes_[i].id.hash);
     }
-    for (std::size_t k = 0; k < servem_agora_; ++k) {
-        ids_[k] = leitor_[servem_[k]].id();
-        p_.trabalhos_.antecipa(ids_[k].hash);
-    }
-    for (std::size_t k = 0; k < servem_agora_; ++k) p_.trabalhos_.busca(ids_[k].hash);
+    for (std::size_t i = 0; i < n; ++i) p_.trabalhos_.busca(partes_[i].id.hash);
 }
 
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,

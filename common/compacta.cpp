@@ -3,17 +3,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "common/auxiliar.h"
-#include "misc/palavras.h"
 
 bool LeitorDeCabecas::converte(const char* digitos) {
-    std::uint32_t t = 0;
-    for (int i = 0; i < 8; ++i) {
-        const char c = digitos[i];
-        if (!digito(c) && (c < 'a' || c > 'f')) return false;
-        t = t << 4 | static_cast<std::uint32_t>(digito(c) ? c - '0' : c - 'a' + 10);
-    }
+    std::uint32_t t;
+    if (!oito_hexadecimais(digitos, t)) return false;
     digitos_ = oito_bytes(digitos);
     t_ = static_cast<time_t>(t);
     return true;
@@ -30,11 +26,11 @@ void Crivo::define(bool ve_ok, bool ve_end) {
     vistos_ = std::uint64_t{ve_ok} << OK | std::uint64_t{ve_end} << END;
 }
 
-inline bool Crivo::importa(const char* linha, std::size_t n) {
+inline bool Crivo::importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const {
     // Short ones are left to the reader, so that eight bytes of any id may be looked at.
     constexpr std::size_t menor = 22;
     Cabeca c;
-    if (n < menor || !cabecas_.le(linha, n, c) || c.t > fim_) return true;
+    if (n < menor || !cabecas.le(linha, n, c) || c.t > fim_) return true;
     // Another status with the same low bits is shown for nothing; none is written.
     if (vistos_ >> (c.status & 63) & 1) return true;
     const char* id = linha + c.id;
@@ -45,13 +41,15 @@ inline bool Crivo::importa(const char* linha, std::size_t n) {
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
     std::size_t inicio = 0;  // of the line whose end is looked for
+    LeitorDeCabecas cabecas;
     while (true) {
         const std::size_t base = inicio;
         const std::size_t achados =
             finais_.acha(p + base, std::min(n - base, FinaisDeLinha::maior));
         for (std::size_t i = 0; i < achados; ++i) {
             const std::size_t fim = base + finais_[i] + 1;
-            if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio)) return inicio;
+            if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio, cabecas))
+                return inicio;
             inicio = fim;
         }
         if (achados == 0) return inicio;
@@ -69,26 +67,32 @@ void LeitorCompacto::passa(Crivo& crivo) {
     leitor_.pula(crivo.sobra(lidos, quantos, maior_linha));
 }
 
-bool LeitorCompacto::le_lote(bool so_uma) {
+bool LeitorCompacto::le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]) {
     LeitorLinhas::Trecho trechos[maior_lote];
     lidas_ = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
     tomadas_ = 0;
+    bool usuais = true;
+    time_t primeira = std::numeric_limits<time_t>::max(), ultima = 0;
+    std::size_t servem = 0;
     for (std::size_t i = 0; i < lidas_; ++i) {
         Linha& l = linhas_[i];
         l.texto = trechos[i].inicio;
         l.tamanho = trechos[i].tamanho;
         l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
+        if (!l.usual) {
+            usuais = false;
+            continue;
+        }
+        primeira = std::min(primeira, l.cabeca.t);
+        ultima = std::max(ultima, l.cabeca.t);
+        quais_servem_[servem] = static_cast<std::uint8_t>(i);
+        servem += serve[l.cabeca.status];
     }
+    todas_usuais_ = usuais;
+    primeira_ = primeira;
+    ultima_ = ultima;
+    servem_ = servem;
     return lidas_ != 0;
-}
-
-Chave LeitorCompacto::Linha::id() const {
-    const char* p = texto + cabeca.id;
-    const std::size_t resto = tamanho - cabeca.id;
-    // Ids are short: hardly ever does one reach behind what is looked at first.
-    const std::uint64_t m = marcas(p, std::min<std::size_t>(resto, 32));
-    const auto n = m ? static_cast<std::size_t>(std::countr_zero(m)) : Marcas(p, resto).proxima();
-    return Chave(p, n);
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {
@@ -97,22 +101,27 @@ char* LeitorCompacto::copia(const Linha& linha) {
     return copia_;
 }
 
-int LeitorCompacto::divide(const Linha& linha, char** campos, Chave& id) {
+void LeitorCompacto::separa(const Linha& linha, Partes& p) {
     const std::size_t n = linha.tamanho;
-    Separadores s{};
-    if (n <= Separadores::maior) s = copia_separando(copia_, linha.texto, n);
+    p.linha = &linha;
+    p.id = Chave();
+    if (n > Separadores::maior) return;
+    Separadores& s = p.separadores;
+    s = copia_separando(p.texto, linha.texto, n);
     // A line that has not its end, or another control before it, may mean something else.
-    if (n > Separadores::maior || s.corta(n) != n - 1 || copia_[n - 1] != '\n') {
-        id = Chave();
-        return reparte(copia(linha), ' ', campos);
-    }
-    copia_[n - 1] = '\0';
-    campos[0] = copia_;
+    if (s.corta(n) != n - 1 || p.texto[n - 1] != '\n') return;
+    p.texto[n - 1] = '\0';
+    const std::size_t inicio = linha.cabeca.id;
+    p.id = Chave(p.texto + inicio, s.branco_desde(inicio, n - 1) - inicio);
+}
+
+int LeitorCompacto::campos(Partes& p, char** campos) {
+    if (!p.id.texto) return reparte(copia(*p.linha), ' ', campos);
+    campos[0] = p.texto;
     int total = 1;
-    s.para_cada_branco([&](std::size_t i) {
-        copia_[i] = '\0';
-        campos[total++] = copia_ + i + 1;
+    p.separadores.para_cada_branco([&](std::size_t i) {
+        p.texto[i] = '\0';
+        campos[total++] = p.texto + i + 1;
     });
-    if (id.texto) id.texto = campos[3];
     return total;
 }

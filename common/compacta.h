@@ -13,6 +13,7 @@
 #include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
+#include "misc/palavras.h"
 
 // The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
 // agent's digit, one or two digits of status, each followed by one blank. Such a line has at least
@@ -32,14 +33,16 @@ class LeitorDeCabecas {
     // Shorter lines are not looked at: none that was ever written is.
     static constexpr std::size_t menor = 16;
 
-    // False when the line of `n` bytes is not a usual one.
+    // False when the line of `n` bytes is not a usual one. Whether the status has one digit or two
+    // cannot be foreseen, so nothing is asked that need not be.
     bool le(const char* linha, std::size_t n, Cabeca& c) {
         if (n < menor || !separados(linha + 8)) return false;
         const bool curto = linha[12] == ' ';
-        if (!curto && (!digito(linha[12]) || linha[13] != ' ')) return false;
-        c.status = linha[11] - '0';
-        if (!curto) c.status = c.status * 10 + linha[12] - '0';
-        c.id = curto ? 13 : 14;
+        const bool longo = digito(linha[12]) & (linha[13] == ' ');
+        if (!(curto | longo)) return false;
+        const int dezenas = linha[11] - '0';
+        c.status = curto ? dezenas : dezenas * 10 + (linha[12] - '0');
+        c.id = 14u - curto;
         if (oito_bytes(linha) != digitos_ && !converte(linha)) return false;
         c.t = t_;
         return true;
@@ -82,7 +85,7 @@ class Crivo {
     std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
 
   private:
-    bool importa(const char* linha, std::size_t n);
+    bool importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const;
 
     const char* id_;
     std::size_t tamanho_do_id_;
@@ -90,7 +93,6 @@ class Crivo {
     std::uint64_t mascara_do_id_ = 0;
     time_t fim_;
     std::uint64_t vistos_ = 0;  // a bit for each status that must be seen
-    LeitorDeCabecas cabecas_;
     FinaisDeLinha finais_;
 };
 
@@ -104,40 +106,57 @@ class LeitorCompacto {
         std::size_t tamanho;
         bool usual;  // `cabeca` holds
         Cabeca cabeca;
-
-        // Of a usual line: what of field 3 stands before a blank, CR or LF, as a key.
-        Chave id() const;
     };
     static constexpr std::size_t maior_lote = 80;
+
+    // A usual line taken apart, as far as that is done before its turn comes.
+    struct Partes {
+        const Linha* linha;
+        Chave id;  // field 3; no text when the line is not one to be taken apart beforehand
+        Separadores separadores;
+        char texto[Separadores::maior];
+    };
 
     // Starts reading at the current position of `fd`, which stays the caller's.
     void abre(int fd);
 
     // No lines are at hand: le_lote() must be asked.
     bool vazio() const { return tomadas_ == lidas_; }
-    // Reads the next lines, or the next one only; those before must not be used any more. False at
-    // the end of the file.
-    bool le_lote(bool so_uma);
-    const Linha* begin() const { return linhas_; }
-    const Linha* end() const { return linhas_ + lidas_; }
+    // Reads the next lines, or the next one only; those before must not be used any more. `serve`
+    // tells which statuses matter. False at the end of the file.
+    bool le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]);
     const Linha& operator[](std::size_t i) const { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
     void toma_todas() { tomadas_ = lidas_; }
+
+    // What is known of the lines read last: whether all are usual; then the first and the last time
+    // among them.
+    bool todas_usuais() const { return todas_usuais_; }
+    time_t primeira() const { return primeira_; }
+    time_t ultima() const { return ultima_; }
+    // How many of them are usual and have a status that matters, and which.
+    std::size_t servem() const { return servem_; }
+    const Linha& que_serve(std::size_t i) const { return linhas_[quais_servem_[i]]; }
 
     // Passes over what the sieve lets drop. Only while vazio().
     void passa(Crivo& crivo);
 
     // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
     char* copia(const Linha& linha);
-    // Splits a usual line as explode() does with blanks; answers how many fields. They hold until
-    // the next call. `id`, what Linha::id() answered or empty, becomes the key of field 3 if that
-    // is known, else one without a text.
-    int divide(const Linha& linha, char** campos, Chave& id);
+    // Takes a usual line apart, which must stay as it is until campos() was asked.
+    static void separa(const Linha& linha, Partes& p);
+    // The fields of such a line, as explode() answers them with blanks; returns how many. They hold
+    // until the next call or change of `p`.
+    int campos(Partes& p, char** campos);
 
   private:
     LeitorLinhas leitor_;
     LeitorDeCabecas cabecas_;
     Linha linhas_[maior_lote];
     std::size_t lidas_ = 0, tomadas_ = 0;
+    bool todas_usuais_ = false;
+    time_t primeira_ = 0, ultima_ = 0;
+    std::uint8_t quais_servem_[maior_lote];
+    std::size_t servem_ = 0;
     char copia_[maior_linha + 1];
 };

@@ -67,6 +67,13 @@ struct Separadores {
                 (brancos[0] >> 63 & brancos[1])) != 0;
     }
 
+    // Where the first blank from `inicio` (in the first half) on stands, or `fim`.
+    std::size_t branco_desde(std::size_t inicio, std::size_t fim) const {
+        if (const std::uint64_t m = brancos[0] >> inicio)
+            return inicio + static_cast<unsigned>(std::countr_zero(m));
+        return brancos[1] ? 64 + static_cast<unsigned>(std::countr_zero(brancos[1])) : fim;
+    }
+
     template <class Acao>
     void para_cada_branco(Acao acao) const {
         for (std::size_t metade = 0; metade < 2; ++metade)

@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "common/LogMailFileParser.h"
+#include "misc/bytes.h"
 #include "misc/palavras.h"
 
 namespace {
@@ -66,6 +68,22 @@ Palavras separa_devagar(std::string linha, std::size_t max) {
     linha.resize(p);
     for (std::size_t i : inicios) palavras.emplace_back(linha.c_str() + i);
     return palavras;
+}
+
+// Every byte in every place of a number, digits of all values around it.
+TEST(Auxiliar, oitoHexadecimaisComoStrtoul) {
+    const std::string digitos = "0123456789abcdef";
+    for (std::size_t lugar = 0; lugar < 8; ++lugar)
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string texto = digitos.substr(static_cast<std::size_t>(byte) % 8, 8);
+            texto[lugar] = static_cast<char>(byte);
+            const bool todos = texto.find_first_not_of(digitos) == std::string::npos;
+            std::uint32_t numero = 0;
+            ASSERT_EQ(oito_hexadecimais(texto.data(), numero), todos) << lugar << ' ' << byte;
+            if (todos) {
+                ASSERT_EQ(numero, std::strtoul(texto.c_str(), nullptr, 16)) << texto;
+            }
+        }
 }
 
 TEST(Auxiliar, marcasEPalavrasComoUmaAUma) {
