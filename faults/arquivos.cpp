@@ -1,10 +1,14 @@
-// Sweeps over the file calls of a consolidation, of each report and of the registry: each of them
-// failed, or the last one made.
+// Sweeps over the file calls of a consolidation, of each report, of the registry and of the lock:
+// each of them failed, or the last one made.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <stdexcept>
 
+#include "common/relutl.h"
 #include "faults/cenario.h"
 #include "faults/rastreio.h"
 #include "faults/trabalhos.h"
@@ -36,6 +40,10 @@ constexpr Falha todas_as_falhas[] = {
     {"ENOMEM", Plano::erro, ENOMEM}, {"ELOOP", Plano::erro, ELOOP}, {"short", Plano::curta, 0},
     {"full", Plano::disco_cheio, 0},
 };
+
+void nada() {}
+
+constexpr char tranca[] = "/tmp/vtmrel.lck";
 
 bool chama(const Chamada& c, std::initializer_list<const char*> nomes) {
     for (const char* n : nomes)
@@ -134,64 +142,114 @@ void varre_relatorio(Cenario& c, const Relato& relato, bool tudo, Contagem& cont
         relata(relato, p, r, "none");
         return feito;
     };
-    const Execucao limpa = sem_falhas([] {}, trabalho);
+    const Execucao limpa = sem_falhas(nada, trabalho);
     varre(
         relato.nome, limpa, contagem, [&](const Plano&) { return tudo; },
         [&](const Plano& p) {
-            const std::string erro = fim_indevido(roda(
-                                                      p, [] {}, trabalho),
-                                                  p);
+            const std::string erro = fim_indevido(roda(p, nada, trabalho), p);
             return erro.empty() ? c.compara("behind it, the tree") : erro;
         });
 }
 
-// A key is what it was or what it was made, and can be written again.
-void varre_registro(const std::string& pasta, bool tudo, Contagem& contagem) {
-    const auto trabalho = [&] {
-        escreve_registro(pasta, "new");
+// A key of the registry that is written anew: it is what it was or what it was made, and can be
+// written again.
+class Chaveiro {
+  public:
+    explicit Chaveiro(const std::string& pasta) : pasta_(pasta) {
+        escreve_registro(pasta_, "new");
+        novo_ = le_registro(pasta_);
+        repoe();
+        velho_ = le_registro(pasta_);
+    }
+
+    const std::string& pasta() const { return pasta_; }
+    void repoe() const { escreve_registro(pasta_, "old"); }
+    int escreve() const {
+        escreve_registro(pasta_, "new");
         return feito;
-    };
-    escreve_registro(pasta, "new");
-    const std::string novo = le_registro(pasta);
-    escreve_registro(pasta, "old");
-    const std::string velho = le_registro(pasta);
-    const Execucao limpa = sem_falhas([] {}, trabalho);
+    }
+    std::string julga() const {
+        const std::string lido = le_registro(pasta_);
+        if (lido != velho_ && lido != novo_) return "the key is neither old nor new: " + lido;
+        escreve();
+        return le_registro(pasta_) == novo_ ? "" : "the key cannot be written any more";
+    }
+
+  private:
+    std::string pasta_, novo_, velho_;
+};
+
+void varre_registro(const Chaveiro& r, bool tudo, Contagem& contagem) {
+    const auto trabalho = [&] { return r.escreve(); };
+    const Execucao limpa = sem_falhas(nada, trabalho);
     varre(
         "registry", limpa, contagem, [&](const Plano&) { return tudo; },
-        [&](const Plano& p) -> std::string {
-            escreve_registro(pasta, "old");
-            const std::string erro = fim_indevido(roda(
-                                                      p, [] {}, trabalho),
-                                                  p);
-            if (!erro.empty()) return erro;
-            const std::string lido = le_registro(pasta);
-            if (lido != velho && lido != novo) return "the key is neither old nor new: " + lido;
-            escreve_registro(pasta, "new");
-            return le_registro(pasta) == novo ? "" : "the key cannot be written any more";
+        [&](const Plano& p) {
+            r.repoe();
+            const std::string erro = fim_indevido(roda(p, nada, trabalho), p);
+            return erro.empty() ? r.julga() : erro;
         });
 }
 
-std::string mata(Cenario& c, std::size_t n, bool sem_luz) {
-    c.repoe();
-    const Execucao e = roda(
-        {n, Plano::mata, Plano::uma, 0}, [&] { c.escuta(); }, [&] { return c.consolida(); });
-    if (e.sinal != SIGKILL && n <= e.chamadas.size()) return "it was not killed";
-    if (sem_luz) e.disco.perde(c.raiz());
-    Licenca l;
-    l.perda = true;
-    return c.julga(e.saida, l);
+// Taking the lock of the machine twice, with `entre` in between: whoever is given it has asked the
+// system for it last and was not refused; one descriptor of it is kept and no more; and the next
+// one gets it. `antes` is done beforehand.
+void varre_tranca(const char* quem, void (*antes)(), void (*entre)(), Contagem& contagem) {
+    const auto prepara = [&] {
+        unlink(tranca);
+        antes();
+    };
+    const auto toma = [] { return testaSeUnico() ? feito : recusado; };
+    const auto trabalho = [&] {
+        toma();
+        entre();
+        return toma();
+    };
+    const auto tenta = [&](const Plano& p) -> std::string {
+        const Execucao e = roda(p, prepara, trabalho);
+        const std::string erro = fim_indevido(e, p);
+        if (!erro.empty()) return erro;
+        const Chamada& ultima = e.chamadas.back();
+        if (e.saida == feito && (!chama(ultima, {"fcntl"}) || ultima.adulterada))
+            return "granted, and not by the system";
+        bool fechou = true;
+        for (const Chamada& c : e.chamadas) fechou &= !c.adulterada || !chama(c, {"close"});
+        if (fechou && e.abertos > 1) return "a descriptor is left open";
+        return roda({}, nada, toma).saida == feito ? "" : "nobody gets it any more";
+    };
+    const Execucao limpa = sem_falhas(prepara, trabalho);
+    varre(
+        quem, limpa, contagem, [](const Plano&) { return true; }, tenta);
 }
 
-void extermina(Cenario& c, Contagem& contagem) {
-    c.repoe();
-    const Execucao limpa = sem_falhas([&] { c.escuta(); }, [&] { return c.consolida(); });
-    for (std::size_t n = 1; n <= limpa.chamadas.size(); ++n) {
-        const Plano p{n, Plano::mata, Plano::uma, 0};
-        contagem.ponto(onde(c.nome(), limpa, p, "SIGKILL"), mata(c, n, false));
-        contagem.ponto(onde(c.nome(), limpa, p, "power cut"), mata(c, n, true));
+// Kills `trabalho` at each of its file calls, and cuts the power there, also behind its end.
+void extermina(const std::string& quem, const std::string& raiz, Contagem& contagem,
+               const std::function<void()>& repoe, const std::function<void()>& prepara,
+               const std::function<int()>& trabalho,
+               const std::function<std::string(int saida)>& julga) {
+    repoe();
+    const Execucao limpa = sem_falhas(prepara, trabalho);
+    const auto mata = [&](const Plano& p, bool sem_luz) -> std::string {
+        repoe();
+        const Execucao e = roda(p, prepara, trabalho);
+        if (e.sinal != SIGKILL && p.em <= e.chamadas.size()) return "it was not killed";
+        if (sem_luz) e.disco.perde(raiz);
+        return julga(e.saida);
+    };
+    Plano p{1, Plano::mata, Plano::uma, 0};
+    for (; p.em <= limpa.chamadas.size(); ++p.em) {
+        contagem.ponto(onde(quem, limpa, p, "SIGKILL"), mata(p, false));
+        contagem.ponto(onde(quem, limpa, p, "power cut"), mata(p, true));
     }
-    contagem.ponto(std::string(c.nome()) + ": power cut after the end",
-                   mata(c, limpa.chamadas.size() + 1, true));
+    contagem.ponto(quem + ": power cut after the end", mata(p, true));
+}
+
+void extermina_consolidacao(Cenario& c, Contagem& contagem) {
+    Licenca l;
+    l.perda = true;
+    extermina(
+        c.nome(), c.raiz(), contagem, [&] { c.repoe(); }, [&] { c.escuta(); },
+        [&] { return c.consolida(); }, [&](int saida) { return c.julga(saida, l); });
 }
 
 template <class Varre>
@@ -224,12 +282,28 @@ bool varre_arquivos(const std::string& pasta, bool tudo) {
         bom &= contagem.fim();
     }
     Contagem contagem("file faults, registry");
-    varre_registro(pasta + "/registry", tudo, contagem);
+    varre_registro(Chaveiro(pasta + "/registry"), tudo, contagem);
     return contagem.fim() && bom;
 }
 
+bool varre_trava() {
+    Contagem contagem("file faults, lock");
+    const auto vazia = [] { close(open(tranca, O_CREAT | O_RDWR, 0600)); };
+    varre_tranca("first", nada, nada, contagem);
+    varre_tranca("there", vazia, nada, contagem);
+    varre_tranca(
+        "cleaned", nada, [] { unlink(tranca); }, contagem);
+    return contagem.fim();
+}
+
 bool varre_mortes(const std::string& pasta, bool tudo) {
-    return em_todos("kills", pasta, tudo, extermina);
+    const bool bom = em_todos("kills", pasta, tudo, extermina_consolidacao);
+    const Chaveiro r(pasta + "/registry");
+    Contagem contagem("kills, registry");
+    extermina(
+        "registry", r.pasta(), contagem, [&] { r.repoe(); }, nada, [&] { return r.escreve(); },
+        [&](int) { return r.julga(); });
+    return contagem.fim() && bom;
 }
 
 }  // namespace falhas

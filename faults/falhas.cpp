@@ -1,15 +1,20 @@
 // Disturbs consolidations and reports at every place, and judges what is left:
 //
-//     falhas {arquivos|mortes|memoria|repeticao} [--tudo]
+//     falhas {arquivos|trava|mortes|memoria|repeticao} [--tudo]
 //
-// arquivos: each file call fails. mortes: killed, or without power, at each of them. memoria: each
-// allocation fails. repeticao: every kind of work a thousand times. Without --tudo a part of the
-// points. Works in a temporary directory of its own. Answers 0 when all was well.
+// arquivos: each file call fails. trava: those of taking the lock, in a root of its own. mortes:
+// killed, or without power, at each of them. memoria: each allocation fails. repeticao: every kind
+// of work a thousand times. Without --tudo a part of the points. Works in a temporary directory of
+// its own. Answers 0 when all was well.
+#include <sched.h>
 #include <stdlib.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -45,6 +50,24 @@ void larga_privilegios() {
         throw std::runtime_error("still root");
 }
 
+// Runs a sweep in a root directory that holds nothing but a /tmp. A user may not have one, but in a
+// user namespace of his own he may.
+bool em_raiz_propria(bool (*varre)()) {
+    const Pasta raiz;
+    const std::string tmp = raiz.path() + "/tmp";
+    const pid_t filho = fork();
+    if (filho == 0) {
+        if ((geteuid() != 0 && unshare(CLONE_NEWUSER) != 0) ||
+            chmod(raiz.path().c_str(), 0755) != 0 || mkdir(tmp.c_str(), 0) != 0 ||
+            chmod(tmp.c_str(), 01777) != 0 || chroot(raiz.path().c_str()) != 0 || chdir("/") != 0)
+            throw std::runtime_error("no root of its own");
+        larga_privilegios();
+        std::exit(varre() ? 0 : 1);
+    }
+    int estado;
+    return filho > 0 && waitpid(filho, &estado, 0) == filho && estado == 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -53,9 +76,8 @@ int main(int argc, char** argv) {
         const char* nome;
         bool (*varre)(const std::string&, bool);
     } varreduras[] = {
-        {"arquivos", falhas::varre_arquivos},
-        {"mortes", falhas::varre_mortes},
-        {"memoria", falhas::varre_memoria},
+        {"arquivos", falhas::varre_arquivos}, {"trava", nullptr},
+        {"mortes", falhas::varre_mortes},     {"memoria", falhas::varre_memoria},
         {"repeticao", falhas::repete},
     };
     const bool tudo = argc == 3 && std::strcmp(argv[2], "--tudo") == 0;
@@ -65,6 +87,7 @@ int main(int argc, char** argv) {
     for (const auto& v : varreduras) {
         if (argc < 2 || argc > 2 + tudo || std::strcmp(argv[1], v.nome) != 0) continue;
         try {
+            if (!v.varre) return em_raiz_propria(falhas::varre_trava) ? 0 : 1;
             larga_privilegios();
             const Pasta pasta;
             return v.varre(pasta.path(), tudo) ? 0 : 1;
@@ -73,6 +96,6 @@ int main(int argc, char** argv) {
             return 1;
         }
     }
-    std::fputs("falhas {arquivos|mortes|memoria|repeticao} [--tudo]\n", stderr);
+    std::fputs("falhas {arquivos|trava|mortes|memoria|repeticao} [--tudo]\n", stderr);
     return 2;
 }

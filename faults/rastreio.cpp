@@ -260,6 +260,7 @@ Execucao Rastreio::segue() {
         if (WIFEXITED(estado) || WIFSIGNALED(estado)) {
             e_.sinal = WIFSIGNALED(estado) ? WTERMSIG(estado) : 0;
             e_.saida = WIFEXITED(estado) ? WEXITSTATUS(estado) : 0;
+            e_.abertos = abertos_.size();
             return std::move(e_);
         }
         if (WSTOPSIG(estado) != (SIGTRAP | 0x80)) {

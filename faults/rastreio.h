@@ -48,8 +48,9 @@ class Disco {
 
 struct Execucao {
     std::vector<Chamada> chamadas;
-    int sinal = 0;  // that ended the child, or 0
-    int saida = 0;  // what the work answered
+    int sinal = 0;            // that ended the child, or 0
+    int saida = 0;            // what the work answered
+    std::size_t abertos = 0;  // descriptors that it opened and did not close
     Disco disco;
 };
 

@@ -28,7 +28,10 @@ class Contagem {
 
 // Every file call of a consolidation failed, cut short, and failed from then on.
 bool varre_arquivos(const std::string& pasta, bool tudo);
-// Killed, and without power, at every file call of a consolidation.
+// Every file call of taking the lock failed. Only in a root of our own with a /tmp: the lock is one
+// for the machine.
+bool varre_trava();
+// Killed, and without power, at every file call of a consolidation and of writing the registry.
 bool varre_mortes(const std::string& pasta, bool tudo);
 // Every allocation of a consolidation, of each report and of the registry failed.
 bool varre_memoria(const std::string& pasta, bool tudo);
