@@ -5,12 +5,12 @@
 #include <cstring>
 
 void Evento::separa(const char* linha, std::size_t n) {
-    n = std::min(n, maior_);
     lidas_ = 0;
-    if (n > inicio_das_palavras_ && !tem_nul(linha, inicio_das_palavras_)) {
+    if (n > inicio_das_palavras_ && !tem_nul(linha, inicio_das_palavras_) &&
+        !separa_regular(linha, n)) {
+        n = std::min(n, maior_) - inicio_das_palavras_;
         linha += inicio_das_palavras_;
-        n -= inicio_das_palavras_;
-        if (!separa_regular(linha, n)) separa_qualquer(linha, strnlen(linha, n));
+        separa_qualquer(linha, strnlen(linha, n));
     }
     agente_ = getAgent(palavra(0));
     status_ = getStatus(palavra(1));
@@ -22,21 +22,25 @@ void Evento::separa(const char* linha, std::size_t n) {
 
 // Takes a line of the usual kind: not long, one blank between the words, none behind the last, and
 // the line's end behind that. False when it is of another kind.
-bool Evento::separa_regular(const char* texto, std::size_t n) {
-    if (n > Separadores::maior) return false;
-    Separadores s = copia_separando(texto_, texto, n);
-    const std::size_t fim = s.corta(n);
-    if (fim == 0 || texto[fim - 1] == ' ' || s.seguidos()) return false;
-    if (fim < n && texto[fim] != '\0' && !marca(texto[fim])) return false;
+bool Evento::separa_regular(const char* linha, std::size_t n) {
+    std::size_t fim = n - 1;
+    if (linha[fim] != '\n') return false;
+    fim -= linha[fim - 1] == '\r';
+    if (fim - inicio_das_palavras_ >= Cortes::maior || linha[fim - 1] == ' ') return false;
+    fim -= inicio_das_palavras_;
+    linha += inicio_das_palavras_;
+    Cortes cortes = copia_palavras(texto_, linha);
+    cortes.limita(fim);
+    if (cortes.seguidos()) return false;
     std::uint16_t* p = separadores_;
-    s.para_cada_branco([&](std::size_t i) {
-        texto_[i] = '\0';
+    const bool brancos = cortes.para_cada([&](std::size_t i) {
         *p++ = static_cast<std::uint16_t>(i);
+        return linha[i] == ' ';
     });
-    texto_[fim] = '\0';
     *p = static_cast<std::uint16_t>(fim);
-    lidas_ = static_cast<int>(std::min<std::ptrdiff_t>(p - separadores_, palavras_lidas));
-    return true;
+    if (brancos)
+        lidas_ = static_cast<int>(std::min<std::ptrdiff_t>(p - separadores_, palavras_lidas));
+    return brancos;
 }
 
 // Takes any line, and puts its words one behind the other.

@@ -20,8 +20,9 @@ class Evento {
     Evento(const Evento&) = delete;
     Evento& operator=(const Evento&) = delete;
 
-    // Takes a line of `n` bytes apart; of one with a NUL, what stands before it. Words beyond the
-    // first 299 bytes do not count.
+    // Takes a line of `n` bytes apart, behind which `folga` more can be read; of one with a NUL,
+    // what stands before it. Words beyond the first 299 bytes do not count.
+    static constexpr std::size_t folga = Cortes::maior;
     void separa(const char* linha, std::size_t n);
 
     // The word `i`, less than palavras_lidas; null when the line has fewer.
@@ -42,7 +43,7 @@ class Evento {
     static constexpr std::size_t inicio_das_palavras_ = 26;
     static constexpr std::size_t maior_ = 299;  // bytes of a line that count
 
-    bool separa_regular(const char* texto, std::size_t n);
+    bool separa_regular(const char* linha, std::size_t n);
     void separa_qualquer(const char* texto, std::size_t n);
     Chave chave_da(int i) const;
 
@@ -53,6 +54,6 @@ class Evento {
     Chave id_, endereco_;
     // The words, each ended by NUL: word i stands in texto_ between two of these positions, which
     // hold a NUL each (the first one ends a word that is not kept).
-    std::uint16_t separadores_[Separadores::maior / 2 + 2];
+    std::uint16_t separadores_[Cortes::maior / 2 + 2];
     char texto_[maior_ - inicio_das_palavras_ + 1];
 };

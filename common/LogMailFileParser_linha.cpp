@@ -112,6 +112,7 @@ struct LogMailFileParser::Despacho {
 };
 
 void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
+    static_assert(LeitorLinhas::folga >= Evento::folga);
     if (!lote_) lote_ = std::make_unique_for_overwrite<Evento[]>(maior_lote);
     for (std::size_t i = 0; i < n; ++i) {
         Evento& e = lote_[i];
@@ -136,7 +137,7 @@ int LogMailFileParser::parser() {
         despacha(lote_[static_cast<std::size_t>(i)]);
     } else {
         Evento e;
-        e.separa(osBuf.lbuf, sizeof osBuf.lbuf);
+        e.separa(osBuf.lbuf, sizeof osBuf.lbuf - Evento::folga);
         despacha(e);
     }
     return 1;

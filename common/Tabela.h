@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -17,25 +18,33 @@
 // that all fall into one place.
 extern const std::uint64_t semente_das_chaves;
 
-inline std::uint64_t mistura_na_chave(std::uint64_t h, std::uint64_t palavra) {
-    h = (h ^ palavra) * 0x9E3779B97F4A7C15u;
-    return h ^ (h >> 32);
+// Both halves of a product, which depend on every bit of both factors.
+inline std::uint64_t mistura(std::uint64_t a, std::uint64_t b) {
+#ifdef __SIZEOF_INT128__
+    const auto produto = static_cast<unsigned __int128>(a) * b;
+    return static_cast<std::uint64_t>(produto) ^ static_cast<std::uint64_t>(produto >> 64);
+#else
+    // A processor of 32 bits has no such product.
+    const std::uint64_t h = (a ^ std::rotl(b, 32)) * 0x9E3779B97F4A7C15u;
+    return ((h ^ h >> 32) + b) * 0xD1B54A32D192ED03u;
+#endif
 }
 
-// Hash of a key's bytes.
+// Hash of a key's bytes: sixteen at a time, the last ones perhaps once more.
 inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
     std::uint64_t h = semente_das_chaves ^ tamanho;
-    std::uint64_t palavra = 0;
-    if (tamanho < sizeof palavra) {
-        std::memcpy(&palavra, chave, tamanho);
+    std::uint64_t primeiros = 0, ultimos = 0;
+    if (tamanho >= 8) {
+        const char* const fim = chave + tamanho;
+        for (; fim - chave > 16; chave += 16)
+            h = mistura(oito_bytes(chave) ^ h, oito_bytes(chave + 8) ^ ~semente_das_chaves);
+        primeiros = tamanho < 16 ? oito_bytes(chave) : oito_bytes(fim - 16);
+        ultimos = oito_bytes(fim - 8);
     } else {
-        const char* ultima = chave + tamanho - sizeof palavra;
-        for (; chave < ultima; chave += sizeof palavra) h = mistura_na_chave(h, oito_bytes(chave));
-        palavra = oito_bytes(ultima);
+        std::memcpy(&ultimos, chave, tamanho);
     }
-    h = mistura_na_chave(h, palavra);
-    h = mistura_na_chave(h, h >> 29);
-    return static_cast<std::uint32_t>(h);
+    h = mistura(primeiros ^ h, ultimos ^ ~semente_das_chaves);
+    return static_cast<std::uint32_t>(h ^ h >> 32);
 }
 
 // A key to look for, its hash computed once for all the lookups.

@@ -102,26 +102,26 @@ char* LeitorCompacto::copia(const Linha& linha) {
 }
 
 void LeitorCompacto::separa(const Linha& linha, Partes& p) {
-    const std::size_t n = linha.tamanho;
     p.linha = &linha;
     p.id = Chave();
-    if (n > Separadores::maior) return;
-    Separadores& s = p.separadores;
-    s = copia_separando(p.texto, linha.texto, n);
-    // A line that has not its end, or another control before it, may mean something else.
-    if (s.corta(n) != n - 1 || p.texto[n - 1] != '\n') return;
-    p.texto[n - 1] = '\0';
-    const std::size_t inicio = linha.cabeca.id;
-    p.id = Chave(p.texto + inicio, s.branco_desde(inicio, n - 1) - inicio);
+    const std::size_t fim = linha.tamanho - 1;
+    if (fim >= Cortes::maior || linha.texto[fim] != '\n') return;
+    Cortes cortes = copia_palavras(p.texto, linha.texto);
+    cortes.limita(fim);
+    p.inicios[0] = 0;
+    p.campos = 1;
+    // A line with another control than its end may mean something else.
+    const bool brancos = cortes.para_cada([&](std::size_t i) {
+        p.inicios[p.campos++] = static_cast<std::uint8_t>(i + 1);
+        return linha.texto[i] == ' ';
+    });
+    if (!brancos) return;
+    p.inicios[p.campos] = static_cast<std::uint8_t>(fim + 1);
+    p.id = Chave(p.texto + p.inicios[3], static_cast<std::size_t>(p.inicios[4] - p.inicios[3] - 1));
 }
 
 int LeitorCompacto::campos(Partes& p, char** campos) {
     if (!p.id.texto) return reparte(copia(*p.linha), ' ', campos);
-    campos[0] = p.texto;
-    int total = 1;
-    p.separadores.para_cada_branco([&](std::size_t i) {
-        p.texto[i] = '\0';
-        campos[total++] = p.texto + i + 1;
-    });
-    return total;
+    for (int i = 0; i < p.campos; ++i) campos[i] = p.texto + p.inicios[i];
+    return p.campos;
 }

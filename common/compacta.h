@@ -113,8 +113,10 @@ class LeitorCompacto {
     struct Partes {
         const Linha* linha;
         Chave id;  // field 3; no text when the line is not one to be taken apart beforehand
-        Separadores separadores;
-        char texto[Separadores::maior];
+        int campos;
+        std::uint8_t
+            inicios[Cortes::maior + 2];  // of the fields in `texto`, and behind the last one
+        char texto[Cortes::maior];
     };
 
     // Starts reading at the current position of `fd`, which stays the caller's.

@@ -6,6 +6,7 @@
 #include "common/auxiliar.h"
 #include "fuzz/apoio.h"
 #include "fuzz/referencia.h"
+#include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 #include "misc/ncutils.h"
@@ -49,13 +50,15 @@ void confere_explode(const std::string& texto, char sep) {
     exige(Palavras(q.get(), q.get() + m) == quer, "reparte as explode");
 }
 
-void confere_separadores(const std::string& bytes) {
+// `bytes`: Cortes::maior of them.
+void confere_cortes(const std::string& bytes) {
     const auto texto = copia(bytes, false);
-    char a[Separadores::maior], b[Separadores::maior];
-    const Separadores s = copia_separando(a, texto.get(), bytes.size());
-    const Separadores t = copia_separando_um_a_um(b, texto.get(), bytes.size());
-    exige(std::memcmp(&s, &t, sizeof s) == 0, "what separates the words");
-    exige(std::string(a, bytes.size()) == bytes, "the copy of the words");
+    char a[Cortes::maior], b[Cortes::maior];
+    const Cortes cortes = copia_palavras(a, texto.get());
+    exige(cortes == copia_palavras_uma_a_uma(b, texto.get()), "where words are cut");
+    exige(std::memcmp(a, b, sizeof a) == 0, "the copy of the words");
+    const bool nul = bytes.find('\0') != std::string::npos;
+    exige(tem_nul(texto.get(), bytes.size()) == nul, "tem_nul");
 }
 
 void confere_marcas(const std::string& bytes) {
@@ -66,8 +69,11 @@ void confere_marcas(const std::string& bytes) {
             if (i + m <= n) exige(marcas(&texto[i], m) == marcas_uma_a_uma(&texto[i], m), "marcas");
     for (std::size_t i = 0; i + 64 <= n; i += 13)
         exige(finais(&texto[i]) == finais_um_a_um(&texto[i]), "finais");
-    for (std::size_t i = 0; i < n; i += 17) confere_separadores(bytes.substr(i, 128));
-    confere_separadores(bytes.substr(0, bytes.size() % 128));
+    for (std::size_t i = 0; i + Cortes::maior <= n; i += 17)
+        confere_cortes(bytes.substr(i, Cortes::maior));
+    std::string curtos = bytes.substr(0, Cortes::maior);
+    curtos.resize(Cortes::maior);
+    confere_cortes(curtos);
 }
 
 // The lines of a file by single lines and by batches, whatever is asked of the system at a time.

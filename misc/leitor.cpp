@@ -10,7 +10,7 @@
 #include "misc/ncutils.h"
 
 void LeitorLinhas::abre(int fd, std::size_t leitura) {
-    if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco);
+    if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco + folga);
     fd_ = fd;
     leitura_ = std::min(leitura, bloco);
     inicio_ = fim_ = 0;

@@ -12,6 +12,8 @@ class LeitorLinhas {
     static constexpr std::size_t bloco = std::size_t{256} * 1024;
     // The longest line piece that can be asked for.
     static constexpr std::size_t maior_linha = 4096;
+    // So many bytes behind a line can be read, whatever they are.
+    static constexpr std::size_t folga = 128;
 
     // Starts reading at the current position of `fd`, which stays the caller's.
     void abre(int fd, std::size_t leitura = bloco);

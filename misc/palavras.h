@@ -42,102 +42,70 @@ inline std::uint64_t marcas(const char* p, std::size_t n) {
 }
 #endif
 
-// What separates the words of a text of up to 128 bytes: bit i of the first or second half stands
+// Which bytes of a text of up to 128 are blanks or less: bit i of the first or second half stands
 // for its byte i.
-struct Separadores {
+struct Cortes {
     static constexpr std::size_t maior = 128;
 
-    std::uint64_t brancos[2];
-    std::uint64_t controles[2];  // bytes up to CR: what ends a line is among them
+    std::uint64_t metades[2];
 
-    // Forgets the blanks behind the first of the controls. Answers where it stands, or `n`.
-    std::size_t corta(std::size_t n) {
-        for (std::size_t metade = 0; metade < 2; ++metade) {
-            if (controles[metade] == 0) continue;
-            brancos[metade] &= (controles[metade] & -controles[metade]) - 1;
-            if (metade == 0) brancos[1] = 0;
-            return metade * 64 + static_cast<unsigned>(std::countr_zero(controles[metade]));
-        }
-        return n;
+    bool operator==(const Cortes&) const = default;
+
+    // Forgets those from `n` on.
+    void limita(std::size_t n) {
+        if (n < 64) metades[0] &= (std::uint64_t{1} << n) - 1;
+        if (n < 128) metades[1] &= n <= 64 ? 0 : (std::uint64_t{1} << (n - 64)) - 1;
     }
 
-    // Whether a blank stands directly behind another.
+    // Whether one stands directly behind another.
     bool seguidos() const {
-        return ((brancos[0] & brancos[0] >> 1) | (brancos[1] & brancos[1] >> 1) |
-                (brancos[0] >> 63 & brancos[1])) != 0;
+        return ((metades[0] & metades[0] >> 1) | (metades[1] & metades[1] >> 1) |
+                (metades[0] >> 63 & metades[1])) != 0;
     }
 
-    // Where the first blank from `inicio` (in the first half) on stands, or `fim`.
-    std::size_t branco_desde(std::size_t inicio, std::size_t fim) const {
-        if (const std::uint64_t m = brancos[0] >> inicio)
-            return inicio + static_cast<unsigned>(std::countr_zero(m));
-        return brancos[1] ? 64 + static_cast<unsigned>(std::countr_zero(brancos[1])) : fim;
-    }
-
+    // Hands the positions to `acao`, in ascending order, until that answers false; answers whether
+    // it never did.
     template <class Acao>
-    void para_cada_branco(Acao acao) const {
+    bool para_cada(Acao acao) const {
         for (std::size_t metade = 0; metade < 2; ++metade)
-            for (std::uint64_t m = brancos[metade]; m != 0; m &= m - 1)
-                acao(metade * 64 + static_cast<unsigned>(std::countr_zero(m)));
+            for (std::uint64_t m = metades[metade]; m != 0; m &= m - 1)
+                if (!acao(metade * 64 + static_cast<unsigned>(std::countr_zero(m)))) return false;
+        return true;
     }
 };
 
-// Copies `n` bytes, at most Separadores::maior, and tells what separates their words.
-inline Separadores copia_separando_um_a_um(char* para, const char* de, std::size_t n) {
-    Separadores s{};
-    for (std::size_t i = 0; i < n; ++i) {
-        para[i] = de[i];
-        s.brancos[i / 64] |= std::uint64_t{de[i] == ' '} << i % 64;
-        s.controles[i / 64] |= std::uint64_t{static_cast<unsigned char>(de[i]) <= '\r'} << i % 64;
+// Copies Cortes::maior bytes, with a NUL for each that is a blank or less. All of them must be
+// there: how long the text is, is not asked before they are copied.
+inline Cortes copia_palavras_uma_a_uma(char* para, const char* de) {
+    Cortes c{};
+    for (std::size_t i = 0; i < Cortes::maior; ++i) {
+        const bool corte = static_cast<unsigned char>(de[i]) <= ' ';
+        para[i] = corte ? '\0' : de[i];
+        c.metades[i / 64] |= std::uint64_t{corte} << i % 64;
     }
-    return s;
+    return c;
 }
 
 #ifdef __SSE2__
-struct Dezesseis {
-    std::uint64_t brancos, controles;
-};
-
-inline Dezesseis copia_16(char* para, const char* de) {
+inline std::uint64_t copia_palavras_16(char* para, const char* de) {
     const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(de));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(para), texto);
-    const __m128i branco = _mm_cmpeq_epi8(texto, _mm_set1_epi8(' '));
-    const __m128i controle = _mm_cmpeq_epi8(texto, _mm_min_epu8(texto, _mm_set1_epi8('\r')));
-    return {static_cast<unsigned>(_mm_movemask_epi8(branco)),
-            static_cast<unsigned>(_mm_movemask_epi8(controle))};
+    const __m128i cortes = _mm_cmpeq_epi8(texto, _mm_min_epu8(texto, _mm_set1_epi8(' ')));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(para), _mm_andnot_si128(cortes, texto));
+    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(cortes)));
 }
 
-// Always inline: sixteen bytes at a time leave no time for an answer in memory.
-[[gnu::always_inline]] inline Separadores copia_separando(char* para, const char* de,
-                                                          std::size_t n) {
-    if (n < 16) return copia_separando_um_a_um(para, de, n);
-    Dezesseis primeira{}, segunda{};
-    const auto junta = [](Dezesseis& metade, const Dezesseis& d, std::size_t i) {
-        metade.brancos |= d.brancos << i;
-        metade.controles |= d.controles << i;
-    };
-    if (n >= 64) {
-        junta(primeira, copia_16(para, de), 0);
-        junta(primeira, copia_16(para + 16, de + 16), 16);
-        junta(primeira, copia_16(para + 32, de + 32), 32);
-        junta(primeira, copia_16(para + 48, de + 48), 48);
-    }
-    const std::size_t antes = n >= 64 ? 64 : 0;
-    const std::size_t resto = n - antes;
-    for (std::size_t i = 0; i + 16 < resto; i += 16)
-        junta(segunda, copia_16(para + antes + i, de + antes + i), i);
-    // The last sixteen may overlap those before them, and say the same about them.
-    const Dezesseis d = copia_16(para + n - 16, de + n - 16);
-    if (resto >= 16)
-        junta(segunda, d, resto - 16);
-    else if (resto > 0)
-        junta(segunda, {d.brancos >> (16 - resto), d.controles >> (16 - resto)}, 0);
-    if (antes == 0) return {{segunda.brancos, 0}, {segunda.controles, 0}};
-    return {{primeira.brancos, segunda.brancos}, {primeira.controles, segunda.controles}};
+inline std::uint64_t copia_palavras_64(char* para, const char* de) {
+    return copia_palavras_16(para, de) | copia_palavras_16(para + 16, de + 16) << 16 |
+           copia_palavras_16(para + 32, de + 32) << 32 |
+           copia_palavras_16(para + 48, de + 48) << 48;
+}
+
+inline Cortes copia_palavras(char* para, const char* de) {
+    return {{copia_palavras_64(para, de), copia_palavras_64(para + 64, de + 64)}};
 }
 #else
-inline Separadores copia_separando(char* para, const char* de, std::size_t n) {
-    return copia_separando_um_a_um(para, de, n);
+inline Cortes copia_palavras(char* para, const char* de) {
+    return copia_palavras_uma_a_uma(para, de);
 }
 #endif
 

@@ -160,6 +160,9 @@ TEST(Relatorios, linhasQueOReplayVe) {
     const std::string h = T(d16 + " 00:00:00");
     r.compacto(d16, "@" + h + std::string(2047 - 9, 'x') + "f" + h + " 1 1 LONGA INTERNO ana 1");
     EXPECT_EQ(vistas(r, hora(inicio), hora(d17 + " 00:00:00")), "LONGA");
+    // Nearly nothing but blanks: more fields than a line of that length has words.
+    r.compacto(d16, "0 1 1 BRANCOS INTERNO ana 1" + std::string(92, ' '));
+    EXPECT_EQ(vistas(r, hora(inicio), hora(d17 + " 00:00:00")), "BRANCOS");
 }
 
 // --- Hours ------------------------------------------------------------------------------------
