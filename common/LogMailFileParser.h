@@ -206,7 +206,6 @@ class LogMailFileParser : public LogFileParser {
     bool registra(const char* metodo, Agent agente, Status status, const char* const (&campos)[n],
                   bool fim = true);
     Msg* msg_ou_nova(const char* id, time_t inicio = 0);
-    TextoPartilhado& lembrado(std::uint32_t hash) { return remetentes_[hash % max_remetentes]; }
     TextoPartilhado texto_de(const char* remetente);
     Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
     void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);

@@ -73,7 +73,7 @@ Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos)
 TextoPartilhado LogMailFileParser::texto_de(const char* remetente) {
     if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
     const Chave c = chave_de(remetente);
-    TextoPartilhado& t = lembrado(c.hash);
+    TextoPartilhado& t = remetentes_[c.hash % max_remetentes];
     if (!t.igual(c.texto, c.tamanho)) t = TextoPartilhado(c.texto, c.tamanho);
     return t;
 }

@@ -119,16 +119,12 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
         e.separa(linhas[i].inicio, linhas[i].tamanho);
         if (e.id().texto) Lista_msg.antecipa(e.id().hash);
         if (e.usuario()) Lista_usu.antecipa(e.endereco().hash);
-        if (e.submissao() && remetentes_) __builtin_prefetch(&lembrado(e.endereco().hash));
     }
-    for (std::size_t i = 0; i < n; ++i) {
-        const Evento& e = lote_[i];
-        if (e.id().texto)
-            if (const Msg* m = Lista_msg.provavel(e.id().hash)) m->busca();
-        if (e.usuario())
-            if (const Usuario* u = Lista_usu.provavel(e.endereco().hash)) u->busca(last_period);
-        if (e.submissao() && remetentes_) lembrado(e.endereco().hash).busca();
-    }
+    // Users alone: the messages of these lines were mostly met a moment ago.
+    for (std::size_t i = 0; i < n; ++i)
+        if (lote_[i].usuario())
+            if (const Usuario* u = Lista_usu.provavel(lote_[i].endereco().hash))
+                u->busca(last_period);
 }
 
 int LogMailFileParser::parser() {

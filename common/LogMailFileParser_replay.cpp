@@ -291,7 +291,7 @@ void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Ch
 // in: then those that no handler takes need not be looked at one by one.
 bool LogMailFileParser::Passada::tranquilo() const {
     // An attempt at no time is refused, and traced.
-    return leitor_.todas_usuais() && leitor_.primeira() != 0 && leitor_.ultima() <= end_ &&
+    return leitor_.usuais() && leitor_.primeira() != 0 && leitor_.ultima() <= end_ &&
            horas_.mesma(leitor_.primeira(), leitor_.ultima());
 }
 
@@ -305,15 +305,14 @@ void LogMailFileParser::Passada::passa_por_cima() {
     leitor_.passa(crivo_);
 }
 
-// Takes apart the lines read that matter, and fetches the working records that they will touch, all
-// of them at once.
+// Takes apart the lines read that matter, and fetches the places where their messages will be
+// looked up, all of them at once.
 void LogMailFileParser::Passada::antecipa() {
     const std::size_t n = leitor_.servem();
     for (std::size_t i = 0; i < n; ++i) {
         LeitorCompacto::separa(leitor_.que_serve(i), partes_[i]);
         p_.trabalhos_.antecipa(partes_[i].id.hash);
     }
-    for (std::size_t i = 0; i < n; ++i) p_.trabalhos_.busca(partes_[i].id.hash);
 }
 
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,

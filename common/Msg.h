@@ -79,14 +79,6 @@ class Msg {
     static void* operator new(std::size_t n);
     static void operator delete(void* p, std::size_t n) noexcept;
 
-    // Fetches the record, for an event that will touch it. (Always inline: the compiler takes a
-    // function that only fetches for one without effect, and drops the call.)
-    [[gnu::always_inline]] void busca() const {
-        __builtin_prefetch(id);
-        __builtin_prefetch(&size);
-        __builtin_prefetch(&error_list.tail);
-    }
-
     // Replaces the sender's text by a copy of `nome` (null: unknown), or by a text that other
     // messages hold too.
     void define_remetente(const char* nome);

@@ -48,13 +48,6 @@ class TextoPartilhado {
         return dados_ && dados_->tamanho == n && mesmos_bytes(this->texto(), texto, n);
     }
 
-    // Fetches the text, for a comparison. (Always inline: see Msg.)
-    [[gnu::always_inline]] void busca() const {
-        if (!dados_) return;
-        __builtin_prefetch(dados_);
-        __builtin_prefetch(reinterpret_cast<const char*>(dados_) + 63);
-    }
-
     // The text, which may not be changed; null when there is none.
     char* texto() const { return dados_ ? reinterpret_cast<char*>(dados_ + 1) : nullptr; }
 

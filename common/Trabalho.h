@@ -50,12 +50,8 @@ class Trabalhos {
     // holds until another one (perhaps none) is told.
     void espera(const Chave& chave) { esperada_ = chave; }
 
-    // Hints, for ids that will be looked up soon, by the hash of their key: fetches the place of
-    // the index; then the record.
+    // A hint, for an id that will be looked up soon, by the hash of its key.
     void antecipa(std::uint32_t hash) const { indice_.antecipa(hash); }
-    void busca(std::uint32_t hash) const {
-        if (const Trabalho* t = indice_.provavel(hash)) __builtin_prefetch(t);
-    }
 
   private:
     void define_remetente(Trabalho* t, const char* nome);

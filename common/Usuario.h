@@ -49,7 +49,8 @@ class Usuario {
     static void* operator new(std::size_t n);
     static void operator delete(void* p, std::size_t n) noexcept;
 
-    // Fetches what an event of a recipient in this period will touch. (Always inline: see Msg.)
+    // Fetches what an event of a recipient in this period will touch. (Always inline: the compiler
+    // takes a function that only fetches for one without effect, and drops the call.)
     [[gnu::always_inline]] void busca(unsigned periodo) const {
         __builtin_prefetch(this);
         __builtin_prefetch(nome_);

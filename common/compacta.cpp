@@ -69,26 +69,24 @@ void LeitorCompacto::passa(Crivo& crivo) {
 
 bool LeitorCompacto::le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]) {
     LeitorLinhas::Trecho trechos[maior_lote];
-    lidas_ = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
-    tomadas_ = 0;
-    bool usuais = true;
+    const std::size_t lidas = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
     time_t primeira = std::numeric_limits<time_t>::max(), ultima = 0;
-    std::size_t servem = 0;
-    for (std::size_t i = 0; i < lidas_; ++i) {
+    std::size_t i = 0, servem = 0;
+    for (; i < lidas; ++i) {
         Linha& l = linhas_[i];
         l.texto = trechos[i].inicio;
         l.tamanho = trechos[i].tamanho;
         l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
-        if (!l.usual) {
-            usuais = false;
-            continue;
-        }
+        if (!l.usual) break;
         primeira = std::min(primeira, l.cabeca.t);
         ultima = std::max(ultima, l.cabeca.t);
         quais_servem_[servem] = static_cast<std::uint8_t>(i);
         servem += serve[l.cabeca.status];
     }
-    todas_usuais_ = usuais;
+    usuais_ = i != 0;
+    lidas_ = i == 0 && lidas != 0 ? 1 : i;
+    tomadas_ = 0;
+    if (lidas_ < lidas) leitor_.devolve(trechos[lidas_]);
     primeira_ = primeira;
     ultima_ = ultima;
     servem_ = servem;

@@ -124,19 +124,19 @@ class LeitorCompacto {
 
     // No lines are at hand: le_lote() must be asked.
     bool vazio() const { return tomadas_ == lidas_; }
-    // Reads the next lines, or the next one only; those before must not be used any more. `serve`
-    // tells which statuses matter. False at the end of the file.
+    // Reads the next lines, all usual or one that is not; or the next one only. Those before must
+    // not be used any more. `serve` tells which statuses matter. False at the end of the file.
     bool le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]);
     const Linha& operator[](std::size_t i) const { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
     void toma_todas() { tomadas_ = lidas_; }
 
-    // What is known of the lines read last: whether all are usual; then the first and the last time
-    // among them.
-    bool todas_usuais() const { return todas_usuais_; }
+    // What is known of the lines read last: whether they are usual; then the first and the last
+    // time among them.
+    bool usuais() const { return usuais_; }
     time_t primeira() const { return primeira_; }
     time_t ultima() const { return ultima_; }
-    // How many of them are usual and have a status that matters, and which.
+    // How many of them, being usual, have a status that matters, and which.
     std::size_t servem() const { return servem_; }
     const Linha& que_serve(std::size_t i) const { return linhas_[quais_servem_[i]]; }
 
@@ -156,7 +156,7 @@ class LeitorCompacto {
     LeitorDeCabecas cabecas_;
     Linha linhas_[maior_lote];
     std::size_t lidas_ = 0, tomadas_ = 0;
-    bool todas_usuais_ = false;
+    bool usuais_ = false;
     time_t primeira_ = 0, ultima_ = 0;
     std::uint8_t quais_servem_[maior_lote];
     std::size_t servem_ = 0;

@@ -37,6 +37,11 @@ class LeitorLinhas {
     // many (0: as proxima() answers 0). All hold until the next call.
     std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
 
+    // Takes back the lines from one of those handed out last on: they will come again.
+    void devolve(const Trecho& linha) {
+        inicio_ = static_cast<std::size_t>(linha.inicio - memoria_.get());
+    }
+
     // The bytes that are read and not yet handed out, and passing over the first of them.
     const char* lidos(std::size_t& quantos) const {
         quantos = fim_ - inicio_;
