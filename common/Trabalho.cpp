@@ -3,24 +3,8 @@
 
 #include <algorithm>
 #include <cstring>
-
-#include "common/Reserva.h"
-
-namespace {
-
-constexpr std::size_t bloco = std::size_t{64} * 1024;
-
-constinit thread_local Reserva reserva(sizeof(Trabalho));
-
-}  // namespace
-
-void* Trabalho::operator new(std::size_t n) {
-    return reserva.nova(n);
-}
-
-void Trabalho::operator delete(void* p, std::size_t n) noexcept {
-    reserva.apaga(p, n);
-}
+#include <new>
+#include <type_traits>
 
 Trabalho* Trabalhos::acha_ou_novo(const char* id) {
     Trabalho* t = acha(id);
@@ -36,10 +20,9 @@ Trabalho* Trabalhos::novo(const char* id, const char* remetente) {
     }
     Trabalho* t = indice_.procurar(chave);
     if (!t) {
-        auto novo = std::make_unique<Trabalho>();
-        std::memcpy(novo->id, chave.texto, chave.tamanho);
-        indice_.putFirst(novo.get(), chave.hash);
-        t = novo.release();
+        t = new (memoria_.toma(sizeof(Trabalho))) Trabalho;
+        std::memcpy(t->id, chave.texto, chave.tamanho);
+        indice_.putFirst(t, chave.hash);
     }
     define_remetente(t, remetente);
     t->size = 0;
@@ -53,7 +36,7 @@ void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
     const auto bytes = nome ? static_cast<std::uint32_t>(std::strlen(nome)) + 1 : 0;
     if (bytes > t->lugar) {
         const std::uint32_t lugar = std::max(bytes, t->lugar * 2);
-        t->sendername = toma(lugar);
+        t->sendername = static_cast<char*>(memoria_.toma(lugar));
         t->lugar = lugar;
     }
     if (bytes == 0) {
@@ -64,19 +47,8 @@ void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
     }
 }
 
-char* Trabalhos::toma(std::uint32_t bytes) {
-    if (bytes > livres_) {
-        const std::size_t novos = std::max<std::size_t>(bytes, bloco);
-        textos_.push_back(std::make_unique_for_overwrite<char[]>(novos));
-        fim_ = textos_.back().get() + novos;
-        livres_ = novos;
-    }
-    livres_ -= bytes;
-    return fim_ - livres_ - bytes;
-}
-
 void Trabalhos::esquece() noexcept {
-    indice_.apaga_se([](const Trabalho*) { return true; });
-    textos_.clear();
-    livres_ = 0;
+    static_assert(std::is_trivially_destructible_v<Trabalho>);
+    indice_.esquece();
+    memoria_.esquece();
 }

@@ -2,9 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
-#include <vector>
 
+#include "common/Arena.h"
 #include "common/Tabela.h"
 
 // A message as the lines replayed so far tell it.
@@ -15,9 +14,6 @@ struct Trabalho {
     std::uint32_t lugar = 0;     // bytes that sendername has room for
     std::uint32_t size = 0;      // bytes
     bool int_user = false, spam = false, virus = false, error = false, fatal_error = false;
-
-    static void* operator new(std::size_t n);
-    static void operator delete(void* p, std::size_t n) noexcept;
 };
 
 inline const char* chave(const Trabalho& t) {
@@ -35,7 +31,6 @@ class Trabalhos {
     Trabalhos() = default;
     Trabalhos(const Trabalhos&) = delete;
     Trabalhos& operator=(const Trabalhos&) = delete;
-    ~Trabalhos() { esquece(); }
 
     // The record of exactly this id, or null. Ids over 23 characters are never found.
     Trabalho* acha(const char* id) const { return indice_.procurar(chave_de(id)); }
@@ -55,13 +50,10 @@ class Trabalhos {
 
   private:
     void define_remetente(Trabalho* t, const char* nome);
-    char* toma(std::uint32_t bytes);
 
     Chave chave_de(const char* id) const { return id == esperada_.texto ? esperada_ : Chave(id); }
 
-    Tabela<Trabalho> indice_;  // owns the records
+    Arena memoria_;  // of the records and of their senders' texts
+    Tabela<Trabalho> indice_;
     Chave esperada_;
-    std::vector<std::unique_ptr<char[]>> textos_;  // blocks that the senders' texts are put into
-    char* fim_ = nullptr;                          // of the last one
-    std::size_t livres_ = 0;                       // bytes before it
 };
