@@ -44,7 +44,8 @@ class LogFileParser {
 
     // Opens the output of the day that starts at lastConsolid. False: it could not be.
     virtual bool createFiles() { return true; }
-    // Handles the line in osBuf.lbuf. Always 1.
+    // Handles the line in osBuf.lbuf. Always 1. An override that hands it on to the one it
+    // overrides may not change the line before: antecipa() may have taken it apart already.
     virtual int parser() = 0;
     // Finishes the day's output. False ends the run after this day.
     virtual bool dumpFiles() = 0;
@@ -53,7 +54,8 @@ class LogFileParser {
     // Reads what is carried over, from behind the first line.
     virtual bool readExtraInfo(std::FILE* f) = 0;
     // Is shown the next lines of the open log, before parser() is called for each of those that
-    // belong to the day: a chance to prepare for them. The texts hold until the next such call.
+    // belong to the day: a chance to prepare for them. The texts hold until the next such call, and
+    // LeitorLinhas::folga bytes behind each can be read.
     virtual void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n);
 
     // Take a directory; it is copied. False for null or more than 128 bytes. setDataDir also makes
