@@ -165,7 +165,7 @@ int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsign
     }
     UserMsgs* u = linha_de(msgs, id);
     if (!u) u = nova_linha(msgs, id);
-    if (m->sendername) define_remetente(u, m->sendername);
+    if (m->sendername()) define_remetente(u, m->sendername());
     u->start_time = t;
     u->last_time = u->end_time = 0;
     u->size = m->size;

@@ -32,7 +32,8 @@ inline std::uint64_t mistura(std::uint64_t a, std::uint64_t b) {
 
 // Hash of a key's bytes: sixteen at a time, the last ones perhaps once more.
 inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
-    std::uint64_t h = semente_das_chaves ^ tamanho;
+    // By a product with the seed: nobody can make up for another length by other bytes.
+    std::uint64_t h = semente_das_chaves * (2 * std::uint64_t{tamanho} + 1);
     std::uint64_t primeiros = 0, ultimos = 0;
     if (tamanho >= 8) {
         const char* const fim = chave + tamanho;

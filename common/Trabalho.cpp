@@ -30,21 +30,18 @@ Trabalho* Trabalhos::novo(const char* id, const char* remetente) {
     return t;
 }
 
-// A text that grows moves to a place of at least twice the room, so that submissions which are
-// repeated come to an end of asking for more.
+// The room is kept for as long as the record. A text that outgrows it moves to one of at least
+// twice the size, so that submissions which are repeated come to an end of asking for more.
 void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
-    const auto bytes = nome ? static_cast<std::uint32_t>(std::strlen(nome)) + 1 : 0;
+    t->submetida = nome != nullptr;
+    if (!nome) return;
+    const auto bytes = static_cast<std::uint32_t>(std::strlen(nome)) + 1;
     if (bytes > t->lugar) {
         const std::uint32_t lugar = std::max(bytes, t->lugar * 2);
-        t->sendername = static_cast<char*>(memoria_.toma(lugar));
+        t->texto = static_cast<char*>(memoria_.toma(lugar));
         t->lugar = lugar;
     }
-    if (bytes == 0) {
-        t->sendername = nullptr;
-        t->lugar = 0;
-    } else {
-        std::memcpy(t->sendername, nome, bytes);
-    }
+    std::memcpy(t->texto, nome, bytes);
 }
 
 void Trabalhos::esquece() noexcept {

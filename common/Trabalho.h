@@ -9,11 +9,14 @@
 // A message as the lines replayed so far tell it.
 struct Trabalho {
     Trabalho *prev = nullptr, *next = nullptr;
-    char id[24] = {};            // cut to 23 characters
-    char* sendername = nullptr;  // owned by the records' owner; null: no submission seen
-    std::uint32_t lugar = 0;     // bytes that sendername has room for
-    std::uint32_t size = 0;      // bytes
+    char id[24] = {};         // cut to 23 characters
+    char* texto = nullptr;    // room for the sender, owned by the records' owner
+    std::uint32_t lugar = 0;  // its bytes
+    std::uint32_t size = 0;   // bytes
+    bool submetida = false;   // a submission was seen, and the room holds its sender
     bool int_user = false, spam = false, virus = false, error = false, fatal_error = false;
+
+    const char* sendername() const { return submetida ? texto : nullptr; }
 };
 
 inline const char* chave(const Trabalho& t) {

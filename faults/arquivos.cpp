@@ -191,9 +191,17 @@ void varre_registro(const Chaveiro& r, bool tudo, Contagem& contagem) {
         });
 }
 
-// Taking the lock of the machine twice, with `entre` in between: whoever is given it has asked the
-// system for it last and was not refused; one descriptor of it is kept and no more; and the next
-// one gets it. `antes` is done beforehand.
+// Whether this process could take the lock of the machine.
+bool livre() {
+    const int fd = open(tranca, O_RDWR);
+    const bool pode = fd < 0 || lockf(fd, F_TEST, 0) == 0;
+    if (fd >= 0) close(fd);
+    return pode;
+}
+
+// Taking the lock twice, with `entre` in between: whoever is given it has asked the system for it
+// last and was not refused, and nobody else can have it meanwhile; one descriptor of it is kept and
+// no more; and the next one gets it. `antes` is done beforehand.
 void varre_tranca(const char* quem, void (*antes)(), void (*entre)(), Contagem& contagem) {
     const auto prepara = [&] {
         unlink(tranca);
@@ -206,9 +214,12 @@ void varre_tranca(const char* quem, void (*antes)(), void (*entre)(), Contagem& 
         return toma();
     };
     const auto tenta = [&](const Plano& p) -> std::string {
-        const Execucao e = roda(p, prepara, trabalho);
+        bool de_outro = false;
+        const Execucao e =
+            roda(p, prepara, trabalho, [&](int saida) { de_outro = saida == feito && livre(); });
         const std::string erro = fim_indevido(e, p);
         if (!erro.empty()) return erro;
+        if (de_outro) return "granted, and another one can have it too";
         const Chamada& ultima = e.chamadas.back();
         if (e.saida == feito && (!chama(ultima, {"fcntl"}) || ultima.adulterada))
             return "granted, and not by the system";

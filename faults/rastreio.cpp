@@ -100,7 +100,8 @@ long pede(__ptrace_request pedido, pid_t filho, unsigned long dado) {
 
 class Rastreio {
   public:
-    Rastreio(pid_t filho, const Plano& plano) : filho_(filho), plano_(plano) {}
+    Rastreio(pid_t filho, const Plano& plano, const std::function<void(int)>& no_fim)
+        : filho_(filho), plano_(plano), no_fim_(no_fim) {}
 
     Execucao segue();
 
@@ -115,6 +116,7 @@ class Rastreio {
 
     pid_t filho_;
     const Plano& plano_;
+    const std::function<void(int)>& no_fim_;
     Execucao e_;
     user_regs_struct regs_{};
     const Tipo* tipo_ = nullptr;  // of the call that the child is in; null: not of a file
@@ -192,6 +194,7 @@ void Rastreio::entra() {
     pede(PTRACE_GETREGS, filho_, reinterpret_cast<unsigned long>(&regs_));
     tipo_ = tipo_de(static_cast<long>(regs_.orig_rax));
     resposta_ = 0;
+    if (regs_.orig_rax == SYS_exit_group && no_fim_) no_fim_(static_cast<int>(regs_.rdi));
     if (!tipo_) return;
     e_.chamadas.push_back({tipo_->nome, path_de(*tipo_)});
     outro_ = tipo_->numero == SYS_rename ? texto(regs_.rsi) : "";
@@ -300,7 +303,7 @@ void Disco::perde(const std::string& raiz) const {
 }
 
 Execucao roda(const Plano& plano, const std::function<void()>& prepara,
-              const std::function<int()>& trabalho) {
+              const std::function<int()>& trabalho, const std::function<void(int)>& no_fim) {
     const pid_t filho = fork();
     if (filho < 0) throw std::system_error(errno, std::generic_category(), "fork");
     if (filho == 0) {
@@ -315,7 +318,7 @@ Execucao roda(const Plano& plano, const std::function<void()>& prepara,
     if (waitpid(filho, &estado, 0) != filho || !WIFSTOPPED(estado))
         throw std::runtime_error("the child cannot be traced");
     pede(PTRACE_SETOPTIONS, filho, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    return Rastreio(filho, plano).segue();
+    return Rastreio(filho, plano, no_fim).segue();
 }
 
 }  // namespace falhas

@@ -56,9 +56,10 @@ struct Execucao {
 
 // Runs `trabalho` in a forked child under the plan, behind `prepara`, which is left in peace. Every
 // system call of the child is stopped at, whoever makes it, stdio included. A child that runs for
-// two minutes gets SIGALRM. Throws std::runtime_error for a system call that it cannot tell to be
-// of a file or not.
+// two minutes gets SIGALRM. `no_fim`, if any, is called in this process with what the work
+// answered, while the child is still there. Throws std::runtime_error for a system call that it
+// cannot tell to be of a file or not.
 Execucao roda(const Plano& plano, const std::function<void()>& prepara,
-              const std::function<int()>& trabalho);
+              const std::function<int()>& trabalho, const std::function<void(int)>& no_fim = {});
 
 }  // namespace falhas

@@ -5,7 +5,10 @@
 
 #include <cstring>
 #include <random>
+#include <string>
 #include <vector>
+
+#include "common/Trabalho.h"
 
 namespace {
 
@@ -40,6 +43,18 @@ TEST(Reserva, lugaresSaoDistintosEVoltam) {
         while (tomados.size() > (vez == 1 ? num_bloco / 2 : 0)) devolve();
     }
     EXPECT_EQ(reserva.blocos(), 0u);
+}
+
+// The room of a sender outlasts his being unknown: an id too long to be found has that in each
+// report that is repeated.
+TEST(Reserva, lugarDoRemetenteFica) {
+    Trabalhos trabalhos;
+    const std::string id(24, 'i');
+    const char* lugar = trabalhos.novo(id.c_str(), "ana@local.test")->sendername();
+    EXPECT_STREQ(lugar, "ana@local.test");
+    EXPECT_EQ(trabalhos.novo(id.c_str(), nullptr)->sendername(), nullptr);
+    EXPECT_EQ(trabalhos.novo(id.c_str(), "eva")->sendername(), lugar);
+    EXPECT_STREQ(lugar, "eva");
 }
 
 }  // namespace
