@@ -195,8 +195,8 @@ class LogMailFileParser::Passada {
             if (leitor_.vazio()) {
                 if (iniciado_ && peneira_) passa_por_cima();
                 if (!leitor_.le_lote(iniciado_ && peneira_, serve_)) return;
-                if (coluna_ && !peneira_) antecipa();
                 if (!peneira_ && iniciado_ && tranquilo()) {
+                    antecipa();
                     for (std::size_t i = 0; i < leitor_.servem(); ++i) trata(partes_[i]);
                     leitor_.toma_todas();
                     continue;

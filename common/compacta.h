@@ -114,8 +114,7 @@ class LeitorCompacto {
         const Linha* linha;
         Chave id;  // field 3; no text when the line is not one to be taken apart beforehand
         int campos;
-        std::uint8_t
-            inicios[Cortes::maior + 2];  // of the fields in `texto`, and behind the last one
+        std::uint8_t inicios[Cortes::maior + 2];  // of the fields in `texto`, and its end
         char texto[Cortes::maior];
     };
 
@@ -127,7 +126,6 @@ class LeitorCompacto {
     // Reads the next lines, all usual or one that is not; or the next one only. Those before must
     // not be used any more. `serve` tells which statuses matter. False at the end of the file.
     bool le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]);
-    const Linha& operator[](std::size_t i) const { return linhas_[i]; }
     const Linha& toma() { return linhas_[tomadas_++]; }
     void toma_todas() { tomadas_ = lidas_; }
 
