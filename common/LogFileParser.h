@@ -44,8 +44,7 @@ class LogFileParser {
 
     // Opens the output of the day that starts at lastConsolid. False: it could not be.
     virtual bool createFiles() { return true; }
-    // Handles the line in osBuf.lbuf. Always 1. An override that hands it on to the one it
-    // overrides may not change the line before: antecipa() may have taken it apart already.
+    // Handles the line in osBuf.lbuf, whatever was brought there. Always 1.
     virtual int parser() = 0;
     // Finishes the day's output. False ends the run after this day.
     virtual bool dumpFiles() = 0;
@@ -111,8 +110,8 @@ class LogFileParser {
     static constexpr std::size_t maior_lote = 64;  // lines shown at a time
 
     // Which of the lines last shown to antecipa() is the one in osBuf.lbuf; -1 when it is none of
-    // them, because parser() was called with a line brought from elsewhere.
-    int posicao_no_lote() const { return entregue_ ? static_cast<int>(tomadas_) - 1 : -1; }
+    // them, because it was changed or brought from elsewhere.
+    int posicao_no_lote() const;
 
     // Set by whoever meets a failure after which the point must not move; ends the run.
     bool parada_ = false;
@@ -134,7 +133,6 @@ class LogFileParser {
     LeitorLinhas leitor_;
     LeitorLinhas::Trecho lote_[maior_lote];  // the lines last read
     std::size_t no_lote_ = 0;                // how many there are
-    std::size_t tomadas_ = 0;                // how many of them went through osBuf.lbuf
-    bool entregue_ = false;                  // the last one taken is being handed to parser()
+    std::size_t tomadas_ = 0;                // how many of them were brought into osBuf.lbuf
     std::FILE* mudo_ = nullptr;              // swallows what is written after debugOut was closed
 };

@@ -89,10 +89,17 @@ void LogFileParser::fecha_entrada() {
     if (osBuf.fin) std::fclose(osBuf.fin);
     osBuf.fin = nullptr;
     no_lote_ = tomadas_ = 0;
-    entregue_ = false;
 }
 
 void LogFileParser::antecipa(const LeitorLinhas::Trecho*, std::size_t) {}
+
+int LogFileParser::posicao_no_lote() const {
+    if (tomadas_ == 0) return -1;
+    const LeitorLinhas::Trecho& mostrada = lote_[tomadas_ - 1];
+    const bool a_mesma = osBuf.lbuf[mostrada.tamanho] == '\0' &&
+                         std::memcmp(osBuf.lbuf, mostrada.inicio, mostrada.tamanho) == 0;
+    return a_mesma ? static_cast<int>(tomadas_) - 1 : -1;
+}
 
 // Brings the next line into osBuf.lbuf. False at the end of the file.
 bool LogFileParser::le_linha() {
@@ -167,9 +174,7 @@ bool LogFileParser::readInputFiles() {
                 if (!activity_today) traco("N\xE3o houve atividade em %s\n", dia);
                 return true;
             }
-            entregue_ = true;
             parser();
-            entregue_ = false;
             activity_today = true;
         } while (le_linha());
         fecha_entrada();

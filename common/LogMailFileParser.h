@@ -25,8 +25,8 @@ class Crivo;
 // (_retomada); then the reports. Refusals are traced to debugOut and end in CR LF.
 class LogMailFileParser : public LogFileParser {
   public:
-    // The day's compact file, to which its lines come many at a time, the last ones when it is
-    // closed; null when it could not be created.
+    // The day's compact file; null when it could not be created. Each line is handed to the stream
+    // by the handler of its event, so it may be flushed, replaced or closed between two events.
     std::FILE* compact_logfile;
     std::FILE* statistic_logfile;  // the day's statistics file while it is written
     Tabela<Usuario> Lista_usu;     // users of the day, newest first
@@ -66,7 +66,7 @@ class LogMailFileParser : public LogFileParser {
     // sender; a file that records none yields one with an empty id. False only for a null stream.
     bool readExtraInfo(std::FILE* fp) override;
     // Takes the lines apart and fetches the records that they name.
-    void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) override;
+    void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) final;
 
     // Handlers of the events, called with the line still in osBuf.lbuf, whose stamp gives the
     // event's time; `T` is that time in hexadecimal, for the compact line. Each writes its compact
@@ -246,5 +246,6 @@ class LogMailFileParser : public LogFileParser {
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
     Escrita escrita_;                                // lines on their way into a day file
+    MemoriaDeStream memoria_do_compacto_;            // the buffer of compact_logfile
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
 };

@@ -75,6 +75,7 @@ void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
             if (algum(s)) diario::escreve_usuario(escrita_, chave(*u), u->tamanho_do_nome(), s);
         }
     }
+    escrita_.larga();
 }
 
 // Attempts and errors are of a day; so are users, but for those whom a message in flight names.

@@ -39,6 +39,7 @@ bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status
     for (std::size_t i = 1; i < n; ++i) linha.letra(' ').texto(campos[i], tamanhos[i]);
     if (fim) linha.letra('\n');
     linha.termina();
+    escrita_.larga();
     return true;
 }
 template bool LogMailFileParser::registra(const char*, Agent, Status, const char* const (&)[2],

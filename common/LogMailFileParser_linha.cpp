@@ -43,6 +43,7 @@ struct LogMailFileParser::Despacho {
             .letra(' ')
             .texto(resto, n)
             .termina();
+        p.escrita_.larga();
     }
 
     static void desconhecido(P& p, const char* T, const Evento& e) {
@@ -128,8 +129,8 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
 }
 
 int LogMailFileParser::parser() {
-    const int i = posicao_no_lote();
-    if (i >= 0 && lote_) {
+    const int i = lote_ ? posicao_no_lote() : -1;
+    if (i >= 0) {
         despacha(lote_[static_cast<std::size_t>(i)]);
     } else {
         Evento e;

@@ -76,15 +76,16 @@ bool LogMailFileParser::createFiles() {
     calculatePeriodLimits();
     sem_compacto_ = !createFile(&compact_logfile, compact_fname_prefix);
     if (sem_compacto_) return false;
+    memoria_do_compacto_.empresta(compact_logfile);
     return true;
 }
 
 // Closes a day file, if it is open. What did not reach the disk must be written again by the next
 // run: the point does not move then.
 bool LogMailFileParser::fecha(std::FILE*& arquivo) {
-    escrita_.para(nullptr);
     if (!arquivo) return true;
     const bool gravado = fecha_gravado(arquivo);
+    memoria_do_compacto_.fechada(arquivo);
     arquivo = nullptr;
     if (!gravado) parada_ = true;
     return gravado;

@@ -82,11 +82,17 @@ bool tem_chave(const T& e, const Chave& c) {
 // The index holds the hash beside the pointer, so that a mismatch touches no element: what costs in
 // a large table is not the comparing but the memory that it has to fetch.
 template <class T>
-class Tabela : public DList<T> {
+class Tabela {
   public:
     Tabela() = default;
     Tabela(const Tabela&) = delete;
     Tabela& operator=(const Tabela&) = delete;
+
+    // Reads as the list that it keeps. It cannot be changed as one, behind the index.
+    operator const DList<T>&() const { return lista_; }
+    T* first() const { return lista_.first(); }
+    T* last() const { return lista_.last(); }
+    T* next(const T* e) const { return lista_.next(e); }
 
     void putFirst(T* e) { putFirst(e, Chave(chave(*e)).hash); }
 
@@ -94,20 +100,20 @@ class Tabela : public DList<T> {
     void putFirst(T* e, std::uint32_t hash) {
         reserva();
         indexa_primeiro(e, hash);
-        DList<T>::putFirst(e);
+        lista_.putFirst(e);
     }
 
     void putLast(T* e) {
         reserva();
         indexa_ultimo({e, Chave(chave(*e)).hash});
-        DList<T>::putLast(e);
+        lista_.putLast(e);
     }
 
     // As DList::remove; the index gives its memory back when the last element leaves.
     void remove(T* e) {
         std::size_t i = Chave(chave(*e)).hash & mascara_;
         while (vagas_[i].e != e) i = seguinte(i);
-        DList<T>::remove(e);
+        lista_.remove(e);
         if (--total_ == 0) {
             vagas_.reset();
             mascara_ = 0;
@@ -126,11 +132,11 @@ class Tabela : public DList<T> {
     template <class Teste>
     void apaga_se(Teste sai) {
         const std::size_t antes = total_;
-        for (T* e = this->head; e;) {
+        for (T* e = lista_.head; e;) {
             T* atual = e;
             e = e->next;
             if (!sai(atual)) continue;
-            DList<T>::remove(atual);
+            lista_.remove(atual);
             delete atual;
             --total_;
         }
@@ -139,7 +145,7 @@ class Tabela : public DList<T> {
 
     // Empties list and index without touching the elements, whose memory goes otherwise.
     void esquece() {
-        this->head = this->tail = nullptr;
+        lista_.head = lista_.tail = nullptr;
         total_ = 0;
         reindexa();
     }
@@ -241,7 +247,7 @@ class Tabela : public DList<T> {
             std::fill_n(vagas_.get(), mascara_ + 1, Vaga{});
         }
         if (!vagas_) mascara_ = 0;
-        for (T* e = this->tail; e; e = e->prev) indexa_primeiro(e, Chave(chave(*e)).hash);
+        for (T* e = lista_.tail; e; e = e->prev) indexa_primeiro(e, Chave(chave(*e)).hash);
     }
 
     // Takes free places instead of those that there are, which it answers.
@@ -252,6 +258,7 @@ class Tabela : public DList<T> {
         return novas;
     }
 
+    DList<T> lista_;
     Vagas vagas_;
     std::size_t mascara_ = 0;
     std::size_t total_ = 0;

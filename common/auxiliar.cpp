@@ -12,7 +12,7 @@
 namespace {
 
 template <class T, class Teste>
-T* primeiro(DList<T>* lista, Teste serve) {
+T* primeiro(const DList<T>* lista, Teste serve) {
     T* e = lista->first();
     while (e && !serve(e)) e = e->next;
     return e;
@@ -163,39 +163,39 @@ bool igual_sem_caixa(const char* a, const char* b, std::size_t n) {
     return true;
 }
 
-Usuario* procurar_usuario(DList<Usuario>* lista, const char* name, bool prefix) {
+Usuario* procurar_usuario(const DList<Usuario>* lista, const char* name, bool prefix) {
     return primeiro(lista, [=](const Usuario* u) {
         const char* nome = chave(*u);
         return igual(nome, name) || (prefix && igual_sem_caixa(nome, name, std::strlen(nome)));
     });
 }
 
-Usuario* procurar_usuario(Tabela<Usuario>* tabela, const char* name, bool prefix) {
-    if (prefix) return procurar_usuario(static_cast<DList<Usuario>*>(tabela), name, prefix);
-    return tabela->procurar(name);
+Usuario* procurar_usuario(const Tabela<Usuario>* tabela, const char* name, bool prefix) {
+    const DList<Usuario>& lista = *tabela;
+    return prefix ? procurar_usuario(&lista, name, prefix) : tabela->procurar(name);
 }
 
-MsgsDayUser* procurar_usuario(DList<MsgsDayUser>* lista, const char* name) {
+MsgsDayUser* procurar_usuario(const DList<MsgsDayUser>* lista, const char* name) {
     return primeiro(lista, [=](const MsgsDayUser* u) { return igual(u->username, name); });
 }
 
-Msg* procurar_msg(DList<Msg>* lista, const char* id) {
+Msg* procurar_msg(const DList<Msg>* lista, const char* id) {
     return primeiro(lista, [=](const Msg* m) { return igual(m->id, id); });
 }
 
-Msg* procurar_msg(Tabela<Msg>* tabela, const char* id) {
+Msg* procurar_msg(const Tabela<Msg>* tabela, const char* id) {
     return tabela->procurar(id);
 }
 
-UserMsgs* procurar_msg(DList<UserMsgs>* lista, const char* id) {
+UserMsgs* procurar_msg(const DList<UserMsgs>* lista, const char* id) {
     return primeiro(lista, [=](const UserMsgs* m) { return igual(m->msg_id, id); });
 }
 
-RCPTO* procurar_recipient(DList<RCPTO>* lista, const char* name) {
+RCPTO* procurar_recipient(const DList<RCPTO>* lista, const char* name) {
     return primeiro(lista, [=](const RCPTO* r) { return igual(r->username, name); });
 }
 
-Domain* procurar_dominio(DList<Domain>* lista, const char* domain) {
+Domain* procurar_dominio(const DList<Domain>* lista, const char* domain) {
     return primeiro(
         lista, [=](const Domain* d) { return std::strncmp(d->name, domain, sizeof d->name) == 0; });
 }

@@ -92,14 +92,14 @@ UserType getUserType(const char* word);
 // Lookups: the first match from the head, or null. With `prefix` a user also matches when the
 // start of `name` equals his whole stored name, ASCII letter case aside (an empty stored name
 // matches everybody); otherwise, and in all the others, names must be equal byte for byte.
-Usuario* procurar_usuario(DList<Usuario>* lista, const char* name, bool prefix);
-Usuario* procurar_usuario(Tabela<Usuario>* tabela, const char* name, bool prefix);
-MsgsDayUser* procurar_usuario(DList<MsgsDayUser>* lista, const char* name);
-Msg* procurar_msg(DList<Msg>* lista, const char* id);
-Msg* procurar_msg(Tabela<Msg>* tabela, const char* id);
-UserMsgs* procurar_msg(DList<UserMsgs>* lista, const char* id);
-RCPTO* procurar_recipient(DList<RCPTO>* lista, const char* name);
-Domain* procurar_dominio(DList<Domain>* lista, const char* domain);
+Usuario* procurar_usuario(const DList<Usuario>* lista, const char* name, bool prefix);
+Usuario* procurar_usuario(const Tabela<Usuario>* tabela, const char* name, bool prefix);
+MsgsDayUser* procurar_usuario(const DList<MsgsDayUser>* lista, const char* name);
+Msg* procurar_msg(const DList<Msg>* lista, const char* id);
+Msg* procurar_msg(const Tabela<Msg>* tabela, const char* id);
+UserMsgs* procurar_msg(const DList<UserMsgs>* lista, const char* id);
+RCPTO* procurar_recipient(const DList<RCPTO>* lista, const char* name);
+Domain* procurar_dominio(const DList<Domain>* lista, const char* domain);
 
 // True when the first `n` bytes are equal, ASCII letter case aside, in every locale.
 bool igual_sem_caixa(const char* a, const char* b, std::size_t n);

@@ -1,4 +1,4 @@
-// Building the lines of an output file and handing them to its stream many at a time.
+// Building the lines of an output file and handing them to its stream.
 #pragma once
 
 #include <algorithm>
@@ -19,24 +19,21 @@ class Escrita {
     Escrita(const Escrita&) = delete;
     Escrita& operator=(const Escrita&) = delete;
 
-    // From here on, lines are for `stream`; those collected go out to the one before.
-    void para(std::FILE* stream) {
-        if (stream == stream_) return;
+    // From here on, lines are for `stream`.
+    void para(std::FILE* stream) { stream_ = stream; }
+
+    // Hands out what was collected and forgets the stream: to be called before anybody else may
+    // look at it, close it or write to it.
+    void larga() {
         descarrega();
-        stream_ = stream;
+        stream_ = nullptr;
     }
 
-    // As para(nullptr), and gives the memory back.
-    void termina() {
-        para(nullptr);
+    // Drops what was collected, the stream and the memory.
+    void esquece() {
+        stream_ = nullptr;
         memoria_.reset();
-        capacidade_ = 0;
-    }
-
-    // Hands out what was collected. To be called before the stream is closed or looked at.
-    void descarrega() {
-        if (stream_ && usados_ > 0) fwrite_unlocked(memoria_.get(), 1, usados_, stream_);
-        usados_ = 0;
+        capacidade_ = usados_ = 0;
     }
 
     // Where the next `n` bytes are to be written; avanca() then tells where they ended.
@@ -53,10 +50,52 @@ class Escrita {
     void avanca(const char* fim) { usados_ = static_cast<std::size_t>(fim - memoria_.get()); }
 
   private:
+    void descarrega() {
+        if (stream_ && usados_ > 0) fwrite_unlocked(memoria_.get(), 1, usados_, stream_);
+        usados_ = 0;
+    }
+
     std::FILE* stream_ = nullptr;
     std::unique_ptr<char[]> memoria_;
     std::size_t capacidade_ = 0;
     std::size_t usados_ = 0;
+};
+
+// A large buffer for one stream after the other, to which lines come one by one: with stdio's own,
+// of 4 KiB, writing a day's lines takes twice as long. The stream stays a stream like any other.
+// Whoever takes it away goes on writing through the buffer, so it is never freed under a stream that
+// was not seen closed.
+class MemoriaDeStream {
+  public:
+    static constexpr std::size_t bytes = std::size_t{64} * 1024;
+
+    MemoriaDeStream() = default;
+    MemoriaDeStream(const MemoriaDeStream&) = delete;
+    MemoriaDeStream& operator=(const MemoriaDeStream&) = delete;
+    ~MemoriaDeStream() { liberta(); }
+
+    // Lends the buffer to a stream that was just opened, unless another one may still have it.
+    void empresta(std::FILE* stream) {
+        if (emprestada_) return;
+        if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(bytes);
+        if (std::setvbuf(stream, memoria_.get(), _IOFBF, bytes) == 0) emprestada_ = stream;
+    }
+
+    // To be told of each stream that was closed.
+    void fechada(const std::FILE* stream) {
+        if (stream == emprestada_) emprestada_ = nullptr;
+    }
+
+    // Gives the memory back; what is still lent stays with its stream.
+    void liberta() {
+        if (emprestada_) static_cast<void>(memoria_.release());
+        memoria_.reset();
+        emprestada_ = nullptr;
+    }
+
+  private:
+    std::unique_ptr<char[]> memoria_;
+    const std::FILE* emprestada_ = nullptr;
 };
 
 // One line on its way into an Escrita: its fields, then termina().

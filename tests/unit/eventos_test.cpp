@@ -1,6 +1,9 @@
 // One log line at a time: what each event writes into the compact file and counts.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <utility>
+
 #include "tests/unit/apoio/rele.h"
 
 namespace {
@@ -280,18 +283,75 @@ TEST(Eventos, recusasDosRelatorios) {
     EXPECT_EQ(p.msgs_per_hour_handle_OK(1, id, nullptr, nullptr, 0), 1);
 }
 
-// A field longer than all that is collected before a writing goes out whole, in its place.
-TEST(Eventos, campoMaiorQueOBuffer) {
+// Between two events the compact file is a stream like any other: whoever writes to it, closes it or
+// puts another in its place finds every line where it belongs. A line may be of any length.
+TEST(Eventos, compactoEUmStream) {
     const std::string longo(Escrita::bloco + 5, 'r');
-    Memoria compacto;
+    Memoria compacto, outro;
     LogMailFileParser p;
     p.compact_logfile = compacto.stream;
-    EXPECT_EQ(p.handle_MAILQ_END("1", "A"), 1);
-    EXPECT_EQ(p.handle_MAILQ_OK("2", "A", longo.c_str()), 1);
-    EXPECT_EQ(p.handle_MAILQ_END("3", "A"), 1);
+    p.handle_MAILQ_END("1", "A");
+    EXPECT_EQ(compacto.texto(), "1 1 4 A\n");
+    std::fputs("marca\n", p.compact_logfile);
+    p.handle_MAILQ_OK("2", "A", longo.c_str());
+    p.compact_logfile = outro.stream;
+    p.handle_MAILQ_END("3", "A");
+    EXPECT_EQ(compacto.texto(), "1 1 4 A\nmarca\n2 1 2 A " + longo + "\n");
+    std::fclose(std::exchange(outro.stream, nullptr));
+    EXPECT_STREQ(outro.buffer(), "3 1 4 A\n");
     p.compact_logfile = nullptr;
+    EXPECT_EQ(p.handle_MAILQ_END("4", "A"), 1);
     p.consolidate(nullptr);
-    EXPECT_EQ(compacto.texto(), "1 1 4 A\n2 1 2 A " + longo + "\n3 1 4 A\n");
+}
+
+// The day's own stream, taken away in the middle of the day by a parser that inherits, stays whole
+// and in order, also when it outlives the parser.
+TEST(Eventos, compactoLevadoEmbora) {
+    struct Leva : LogMailFileParser {
+        int eventos = 0;
+        std::FILE* levado = nullptr;
+        int parser() override {
+            if (++eventos == 3) levado = std::exchange(compact_logfile, nullptr);
+            return LogMailFileParser::parser();
+        }
+    };
+    Rele r;
+    r.mensagem(dia + " 10:00:00", "A").mensagem(dia + " 11:00:00", "B");
+    std::FILE* levado;
+    {
+        Leva p;
+        r.consolida(p, amanha);
+        levado = p.levado;
+    }
+    ASSERT_NE(levado, nullptr);
+    std::fputs("depois\n", levado);
+    std::fclose(levado);
+    const std::string t = T(dia + " 10:00:00");
+    EXPECT_EQ(r.compacto(dia), t + " 1 1 A INTERNO ana 100\n" + t + " 2 7 A\ndepois\n");
+}
+
+// parser() handles the line that is there when it is called: one that was changed, and one that was
+// never read, like those of the log.
+TEST(Eventos, linhaDeQuemHerda) {
+    struct Troca : LogMailFileParser {
+        int parser() override {
+            char* const id = std::strstr(osBuf.lbuf, "Msg A");
+            if (!id) return LogMailFileParser::parser();
+            id[4] = 'Z';
+            LogMailFileParser::parser();
+            id[4] = 'Y';
+            return LogMailFileParser::parser();
+        }
+    };
+    Rele r;
+    r.mensagem(dia + " 10:00:00", "A").mensagem(dia + " 11:00:00", "B");
+    Troca p;
+    r.consolida(p, amanha);
+    const std::string lido = r.compacto(dia);
+    EXPECT_EQ(lido.find(" A"), std::string::npos) << lido;
+    for (const char* linha : {"1 1 Z INTERNO", "2 4 Z\n", "1 1 Y INTERNO", "2 4 Y\n", "2 4 B\n"})
+        EXPECT_NE(lido.find(linha), std::string::npos) << linha << lido;
+    EXPECT_EQ(r.totais(dia), "0 0 0 0 3 300 0 0");
 }
 
 // A line without a readable stamp is followed but belongs to no hour.

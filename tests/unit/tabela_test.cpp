@@ -4,11 +4,20 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <type_traits>
 #include <vector>
 
 #include "common/auxiliar.h"
 
 namespace {
+
+// A table is read as a list, and cannot be changed as one, which would leave its index behind.
+static_assert(std::is_convertible_v<Tabela<Msg>&, const DList<Msg>&>);
+static_assert(!std::is_convertible_v<Tabela<Msg>&, DList<Msg>&>);
+static_assert(!std::is_convertible_v<Tabela<Msg>*, DList<Msg>*>);
+template <class T>
+concept cabeca_muda = requires(T t) { t.head = nullptr; };
+static_assert(cabeca_muda<DList<Msg>> && !cabeca_muda<Tabela<Msg>>);
 
 TEST(Tabela, respondeComoALista) {
     std::mt19937 sorte(7);
@@ -16,7 +25,7 @@ TEST(Tabela, respondeComoALista) {
         return std::uniform_int_distribution<std::size_t>(0, n - 1)(sorte);
     };
     Tabela<Msg> tabela;
-    DList<Msg>* lista = &tabela;  // the same elements, searched by walking
+    const DList<Msg>& lista = tabela;  // the same elements, searched by walking
     std::vector<Msg*> dentro;
     std::size_t achados = 0, apagados = 0;
     for (int passo = 0; passo < 20000; ++passo) {
@@ -43,7 +52,7 @@ TEST(Tabela, respondeComoALista) {
             tabela.apaga_se([](const Msg* m) { return m->size != 0; });
             apagados += antes - dentro.size();
         }
-        ASSERT_EQ(procurar_msg(&tabela, id.c_str()), procurar_msg(lista, id.c_str())) << passo;
+        ASSERT_EQ(procurar_msg(&tabela, id.c_str()), procurar_msg(&lista, id.c_str())) << passo;
         ASSERT_EQ(tabela.total(), dentro.size());
         achados += procurar_msg(&tabela, id.c_str()) != nullptr;
     }

@@ -67,6 +67,7 @@ class Memoria {
     Memoria() : stream(open_memstream(&texto_, &tamanho_)) {}
     ~Memoria();
     std::string texto();
+    const char* buffer() const { return texto_; }  // as the last flush or the closing left it
     std::FILE* stream;
 
   private:
