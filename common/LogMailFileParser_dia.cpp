@@ -70,7 +70,9 @@ struct LogMailFileParser::LeituraEstatistica {
         for (MsgsDayUser* u = pedidos->first(); u; u = u->next) usuarios.emplace(u->username, u);
     }
 
+    // The name of a blank line is empty, and nobody's.
     MsgsDayUser* pedido() {
+        if (nome.empty()) return nullptr;
         auto u = usuarios.find(nome);
         if (u == usuarios.end() && p.corta_dominio_local(nome)) u = usuarios.find(nome);
         return u == usuarios.end() ? nullptr : u->second;
@@ -100,6 +102,7 @@ struct LogMailFileParser::LeituraEstatistica {
     }
 
     bool e_do_usuario(const char* user) {
+        if (nome.empty()) return false;
         return nome == user || (p.corta_dominio_local(nome) && nome == user);
     }
 

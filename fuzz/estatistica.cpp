@@ -116,7 +116,7 @@ std::string usuario_devagar(const std::string& quem) {
         bool achado = false;
         for (const std::string& l : linhas_de(d)) {
             const auto [nome, resto] = nome_e_resto(l);
-            if (!e_ele(nome, quem)) continue;
+            if (nome.empty() || !e_ele(nome, quem)) continue;
             achado = true;
             dele.soma(resto);
         }
@@ -138,7 +138,7 @@ std::string horas_devagar(const std::string& quem) {
                 continue;
             }
             const auto [nome, resto] = nome_e_resto(l);
-            if (achado || !e_ele(nome, quem)) continue;
+            if (achado || nome.empty() || !e_ele(nome, quem)) continue;
             achado = true;
             dia[atual - 1].soma(resto);
         }

@@ -44,6 +44,16 @@ bool herda(int fd, const struct stat& velho) {
     return fchmod(fd, velho.st_mode & 07777) == 0;
 }
 
+// Makes the temporary's name free: removes what a killed run left behind. Anything that no run can
+// have left is somebody else's and stays; false then, errno set.
+bool retira_resto(const char* path) {
+    struct stat st;
+    if (lstat(path, &st) != 0) return errno == ENOENT;
+    if (S_ISREG(st.st_mode) && st.st_uid == geteuid()) return unlink(path) == 0;
+    errno = EACCES;
+    return false;
+}
+
 }  // namespace
 
 Gravacao::~Gravacao() {
@@ -74,7 +84,7 @@ bool Gravacao::abre_sobre(const struct stat* velho) {
 }
 
 bool Gravacao::abre_temporario(const struct stat* velho) {
-    unlink(temporario_.c_str());  // what a killed run left behind
+    if (!retira_resto(temporario_.c_str())) return false;
     const int fd = insiste([&] {
         return open(temporario_.c_str(), escrita | O_CREAT | O_EXCL | O_NOFOLLOW,
                     velho ? 0600 : 0666);

@@ -19,7 +19,8 @@
 // synced, given the old file's mode, owner and group (a new file: 0666 less the umask), and renamed
 // over; then the directory is synced. Where a replacement would do harm or cannot be made, the
 // target is written in place and synced: anything but a regular file, a file with several hard
-// links, a directory that takes no new file, an owner that cannot be kept.
+// links, a directory that takes no new file, an owner that cannot be kept, a name beside it that is
+// taken by anything but a regular file of this process's user.
 class Gravacao {
   public:
     Gravacao() = default;

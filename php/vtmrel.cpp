@@ -10,8 +10,8 @@ namespace {
 const zend_function_entry vt_mrel_module_functions[] = {ZEND_FE_END};
 
 zend_result zm_startup_vt_mrel(INIT_FUNC_ARGS) {
+    if (!vt_mrel_itr_init_class()) return FAILURE;
     vt_mrel_init_class();
-    vt_mrel_itr_init_class();
     return SUCCESS;
 }
 

@@ -182,19 +182,25 @@ ZEND_METHOD(vt_mrel_itr, fetch_msgs_per_day) {
     vai<&LogResult::fetch_msgs_per_day>(ZEND_THIS, return_value);
 }
 
-void vt_mrel_itr_init_class() {
+bool vt_mrel_itr_init_class() {
+    // The values of an empty row; of a property that is written twice, the last one stands.
+    zval iniciais[escritas];
+    zval nada;
+    ZVAL_UNDEF(&nada);
+    try {
+        const LogResult vazio;
+        for (std::size_t i = 0; i < escritas; ++i)
+            propriedades[i].valor(vazio, &nada, &iniciais[lugares[i]]);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
     zend_class_entry* classe = register_class_vt_mrel_itr();
-    const LogResult vazio;
+    int declaradas = 0;
     for (std::size_t i = 0; i < escritas; ++i) {
-        // Declared with the last of its writes' value, in the place of the first.
-        std::size_t ultimo = escritas - 1;
-        while (lugares[ultimo] != lugares[i]) --ultimo;
-        zval nada, inicial;
-        ZVAL_UNDEF(&nada);
-        propriedades[ultimo].valor(vazio, &nada, &inicial);
-        if (i == 0 || lugares[i] > lugares[i - 1])
-            zend_declare_property(classe, propriedades[i].nome, std::strlen(propriedades[i].nome),
-                                  &inicial, ZEND_ACC_PUBLIC);
+        if (lugares[i] < declaradas) continue;
+        zend_declare_property(classe, propriedades[i].nome, std::strlen(propriedades[i].nome),
+                              &iniciais[declaradas++], ZEND_ACC_PUBLIC);
     }
     Itr::registra(classe);
+    return true;
 }

@@ -21,4 +21,5 @@ struct _vt_mrel_itr_object {
 LogResult* vt_mrel_itr_result(zend_long handle);
 
 // Registers the class with its properties.
-void vt_mrel_itr_init_class();
+// False, and nothing was declared, without memory for it.
+bool vt_mrel_itr_init_class();

@@ -45,14 +45,23 @@ time_t (*relogio_do_processo())(time_t*) {
     return relogio;
 }
 
+// Whether open_basedir lets this directory be used now; a refusal gets the engine's warning. Asked
+// at each use: the directory may be the default, which no script gave, and the limit may have been
+// tightened since it was given.
+bool permitido(const char* diretorio) {
+    return php_check_open_basedir(diretorio) == 0;
+}
+
 constexpr int sem_resposta = -1;  // null, and the result set holds no report
 
 // The frame of all reports: finds the result set, empties its values, runs `roda(parser, result)`,
-// which answers 1, 0 or sem_resposta, and notes which report it was.
+// which answers 1, 0 or sem_resposta, and notes which report it was. Where the day files may not be
+// read there are no rows. The handle is looked up last: a warning may run script code.
 template <class F>
 void relatorio(zval* objeto, zval* return_value, zend_long handle, ReportType tipo, F roda) {
     LogMailFileParser* p = parser_de(objeto);
     if (!p) return;
+    if (!permitido(p->getDataDir())) RETURN_LONG(0);
     LogResult* r = vt_mrel_itr_result(handle);
     if (!r) {
         php_error_docref(nullptr, E_WARNING,
@@ -174,7 +183,8 @@ ZEND_METHOD(vt_mrel, add_domain) {
 ZEND_METHOD(vt_mrel, consolidate) {
     const char* lastConsolidFile = caminho(INTERNAL_FUNCTION_PARAM_PASSTHRU);
     LogMailFileParser* p = parser_de(ZEND_THIS);
-    if (!lastConsolidFile || !p || !testaSeUnico()) return;
+    if (!lastConsolidFile || !p) return;
+    if (!permitido(p->getDataDir()) || !permitido(p->getLogDir()) || !testaSeUnico()) return;
     protegido([&] { p->consolidate(lastConsolidFile); });
 }
 

@@ -129,14 +129,36 @@ TEST_F(GravacaoTest, AbandonedWritingLeavesTheOldFile) {
     EXPECT_EQ(entradas(), 1);
 }
 
-TEST_F(GravacaoTest, LeftoversAreNotFollowed) {
+TEST_F(GravacaoTest, LeftoversAreReplaced) {
     arvore.write("a", "old");
-    arvore.write("victim", "whole");
-    liga("victim", "a.novo");
+    arvore.write("a.novo", "of a killed run");
+    const ino_t antes = estado("a").st_ino;
     EXPECT_EQ(grava("a", "new"), 0);
     EXPECT_EQ(arvore.read("a"), "new");
-    EXPECT_EQ(arvore.read("victim"), "whole");
-    EXPECT_FALSE(arvore.exists("a.novo"));
+    EXPECT_NE(estado("a").st_ino, antes);
+    EXPECT_EQ(entradas(), 1);
+}
+
+// A link, a directory or another user's file beside the target is left alone, and the target written
+// in place.
+TEST_F(GravacaoTest, WhatIsNotALeftoverStays) {
+    arvore.write("victim", "whole");
+    liga("victim", "link.novo");
+    arvore.write("dir.novo/inside", "whole");
+    arvore.write("other.novo", "whole");
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(arvore.path("other.novo").c_str(), 65534, 65534), 0);
+    }
+    for (const std::string nome : {"link", "dir", "other"}) {
+        arvore.write(nome, "old and longer");
+        const ino_t antes = estado(nome.c_str()).st_ino;
+        EXPECT_EQ(grava(nome.c_str(), "new"), 0) << nome;
+        EXPECT_EQ(arvore.read(nome), "new") << nome;
+        // The owner of all three, where the test does not run as root, replaces what is his.
+        EXPECT_TRUE(estado(nome.c_str()).st_ino == antes || (nome == "other" && geteuid() != 0));
+    }
+    for (const char* nome : {"victim", "dir.novo/inside"}) EXPECT_EQ(arvore.read(nome), "whole");
+    EXPECT_TRUE(std::filesystem::is_symlink(arvore.path("link.novo")));
 }
 
 TEST_F(GravacaoTest, PipesAreNeverRenamedOver) {

@@ -45,6 +45,15 @@ TEST(Relatorios, arquivosPorUtc) {
     }
 }
 
+// A blank line holds no totals and is nobody's, not even his who is asked for without a name.
+TEST(Relatorios, linhasEmBranco) {
+    Relato r;
+    r.estatistica(d15, "\n[1]\n\n \t\r\n\nana 1 10 2 20 3 4 5 6\n");
+    EXPECT_EQ(r.dias(inicio, fim), "");
+    EXPECT_EQ(r.dias_de({"", "ana"}, inicio, fim), ":/ana:/15 00:00:00: 2 1 20 10 3 5 4 6/");
+    EXPECT_EQ(r.horas_de("", inicio, fim), "0h 01 00:00:01: 0 0 0 0 0 0 0 0/24");
+}
+
 TEST(Relatorios, diasDeUsuarios) {
     char locais[] = "aqui;la";
     Relato r;
