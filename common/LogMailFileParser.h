@@ -245,7 +245,6 @@ class LogMailFileParser : public LogFileParser {
     std::size_t tamanho_de_T_ = 0;
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
-    Escrita escrita_;                                // lines on their way into a day file
-    MemoriaDeStream memoria_do_compacto_;            // the buffer of compact_logfile
+    MemoriaDeStream memoria_do_dia_;                 // the buffer of the day file being written
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
 };

@@ -65,17 +65,17 @@ diario::Totais LogMailFileParser::retira_mensagens() {
 
 void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
     const unsigned ultimo = std::min(last_period, sfile_num_periods - 1);
-    escrita_.para(statistic_logfile);
-    diario::escreve_totais(escrita_, period_limit[first_period] - passo(), period_limit[ultimo] - 1,
-                           totais);
+    memoria_do_dia_.empresta(statistic_logfile);
+    diario::escreve_totais(statistic_logfile, period_limit[first_period] - passo(),
+                           period_limit[ultimo] - 1, totais);
     for (unsigned p = 0; p < sfile_num_periods; ++p) {
-        diario::escreve_periodo(escrita_, period_limit[p] - passo());
+        diario::escreve_periodo(statistic_logfile, period_limit[p] - passo());
         for (const Usuario* u = Lista_usu.first(); u; u = u->next) {
             const usuStats s = u->getStats(static_cast<int>(p));
-            if (algum(s)) diario::escreve_usuario(escrita_, chave(*u), u->tamanho_do_nome(), s);
+            if (algum(s))
+                diario::escreve_usuario(statistic_logfile, chave(*u), u->tamanho_do_nome(), s);
         }
     }
-    escrita_.larga();
 }
 
 // Attempts and errors are of a day; so are users, but for those whom a message in flight names.

@@ -33,13 +33,12 @@ bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status
         }
         maior += tamanhos[i] = tamanho_de(campos[i]);
     }
-    escrita_.para(compact_logfile);
-    Linha linha(escrita_, maior);
+    if (!compact_logfile) return true;
+    Linha linha(compact_logfile, maior);
     linha.texto(campos[0], tamanhos[0]).letra(' ').numero(agente).letra(' ').numero(status);
     for (std::size_t i = 1; i < n; ++i) linha.letra(' ').texto(campos[i], tamanhos[i]);
     if (fim) linha.letra('\n');
     linha.termina();
-    escrita_.larga();
     return true;
 }
 template bool LogMailFileParser::registra(const char*, Agent, Status, const char* const (&)[2],

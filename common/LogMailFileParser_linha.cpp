@@ -35,15 +35,14 @@ struct LogMailFileParser::Despacho {
     static void copia(P& p, const char* T, const Evento&) {
         const char* resto = p.resto_da_linha(coluna);
         const std::size_t n = std::strlen(resto);
-        p.escrita_.para(p.compact_logfile);
-        Linha(p.escrita_, p.tamanho_de_T_ + Linha::maior_numero + 2 + n)
+        if (!p.compact_logfile) return;
+        Linha(p.compact_logfile, p.tamanho_de_T_ + Linha::maior_numero + 2 + n)
             .texto(T, p.tamanho_de_T_)
             .letra(' ')
             .numero(agente)
             .letra(' ')
             .texto(resto, n)
             .termina();
-        p.escrita_.larga();
     }
 
     static void desconhecido(P& p, const char* T, const Evento& e) {

@@ -30,8 +30,8 @@ void nome_do_dia(char (&path)[maior_caminho], const char* dir, int mes, int ano,
     std::snprintf(path, sizeof path, "%s/rels_%02d-%02d/%s%02d.txt", dir, mes, ano, prefix, dia);
 }
 
-void escreve_totais(Escrita& e, time_t inicio, time_t fim, const Totais& t) {
-    Linha linha(e, 10 * (Linha::maior_numero + 1));
+void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& t) {
+    Linha linha(f, 10 * (Linha::maior_numero + 1));
     linha.numero(inicio).letra(' ').numero(fim);
     for (std::uint32_t v : {t.spam, t.virus, t.error, t.att_blocked, t.msgs_int, t.bytes_int,
                             t.msgs_ext, t.bytes_ext})
@@ -39,12 +39,12 @@ void escreve_totais(Escrita& e, time_t inicio, time_t fim, const Totais& t) {
     linha.letra('\n').termina();
 }
 
-void escreve_periodo(Escrita& e, time_t inicio) {
-    Linha(e, Linha::maior_numero + 3).letra('[').numero(inicio).letra(']').letra('\n').termina();
+void escreve_periodo(std::FILE* f, time_t inicio) {
+    Linha(f, Linha::maior_numero + 3).letra('[').numero(inicio).letra(']').letra('\n').termina();
 }
 
-void escreve_usuario(Escrita& e, const char* nome, std::size_t tamanho, const usuStats& s) {
-    Linha linha(e, tamanho + 8 * (Linha::maior_numero + 1) + 1);
+void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const usuStats& s) {
+    Linha linha(f, tamanho + 8 * (Linha::maior_numero + 1) + 1);
     linha.texto(nome, tamanho);
     for (std::uint32_t v :
          {s.sent, s.bytes_sent, s.recv, s.bytes_recv, s.virus, s.spam, s.error, s.att_blocked})

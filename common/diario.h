@@ -34,14 +34,14 @@ struct Totais {
 
 // First line: Unix seconds of the first and of the last counted period's start and last second,
 // then the totals.
-void escreve_totais(Escrita& e, time_t inicio, time_t fim, const Totais& totais);
+void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& totais);
 
 // "[<Unix seconds>]": the start of a period.
-void escreve_periodo(Escrita& e, time_t inicio);
+void escreve_periodo(std::FILE* f, time_t inicio);
 
 // A user's counters of one period: his name of `tamanho` bytes, sent, bytes_sent, recv, bytes_recv,
 // virus, spam, error, att_blocked.
-void escreve_usuario(Escrita& e, const char* nome, std::size_t tamanho, const usuStats& s);
+void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const usuStats& s);
 
 // Reads up to `n` decimal numbers from `texto` as the lines above hold them; answers how many stood
 // there. Their low 32 bits are kept.

@@ -1,4 +1,4 @@
-// Building the lines of an output file and handing them to its stream.
+// Building the lines of an output file in the buffer of its stream.
 #pragma once
 
 #include <algorithm>
@@ -9,62 +9,10 @@
 #include <cstring>
 #include <memory>
 
-// Collects lines for one stream after the other. Write errors stay in the stream's error flag; what
-// is meant for a null stream is dropped.
-class Escrita {
-  public:
-    static constexpr std::size_t bloco = std::size_t{256} * 1024;  // bytes written at a time
-
-    Escrita() = default;
-    Escrita(const Escrita&) = delete;
-    Escrita& operator=(const Escrita&) = delete;
-
-    // From here on, lines are for `stream`.
-    void para(std::FILE* stream) { stream_ = stream; }
-
-    // Hands out what was collected and forgets the stream: to be called before anybody else may
-    // look at it, close it or write to it.
-    void larga() {
-        descarrega();
-        stream_ = nullptr;
-    }
-
-    // Drops what was collected, the stream and the memory.
-    void esquece() {
-        stream_ = nullptr;
-        memoria_.reset();
-        capacidade_ = usados_ = 0;
-    }
-
-    // Where the next `n` bytes are to be written; avanca() then tells where they ended.
-    char* espaco(std::size_t n) {
-        if (capacidade_ - usados_ < n) {
-            descarrega();
-            if (capacidade_ < n) {
-                memoria_ = std::make_unique_for_overwrite<char[]>(std::max(n, bloco));
-                capacidade_ = std::max(n, bloco);
-            }
-        }
-        return memoria_.get() + usados_;
-    }
-    void avanca(const char* fim) { usados_ = static_cast<std::size_t>(fim - memoria_.get()); }
-
-  private:
-    void descarrega() {
-        if (stream_ && usados_ > 0) fwrite_unlocked(memoria_.get(), 1, usados_, stream_);
-        usados_ = 0;
-    }
-
-    std::FILE* stream_ = nullptr;
-    std::unique_ptr<char[]> memoria_;
-    std::size_t capacidade_ = 0;
-    std::size_t usados_ = 0;
-};
-
 // A large buffer for one stream after the other, to which lines come one by one: with stdio's own,
 // of 4 KiB, writing a day's lines takes twice as long. The stream stays a stream like any other.
-// Whoever takes it away goes on writing through the buffer, so it is never freed under a stream that
-// was not seen closed.
+// Whoever takes it away goes on writing through the buffer, so it is never freed under a stream
+// that was not seen closed.
 class MemoriaDeStream {
   public:
     static constexpr std::size_t bytes = std::size_t{64} * 1024;
@@ -98,14 +46,34 @@ class MemoriaDeStream {
     const std::FILE* emprestada_ = nullptr;
 };
 
-// One line on its way into an Escrita: its fields, then termina().
+// Where the next `n` bytes for a stream may be written at once, without a call; null when they do
+// not fit into its buffer. avanca_no_buffer() then tells where they ended. These are the pointers
+// that putc_unlocked moves inside of every program, so they stay what they are; the end lies before
+// the place where streams keep no buffer, or look for line ends.
+inline char* lugar_no_buffer(std::FILE* stream, std::size_t n) {
+    const std::ptrdiff_t livres = stream->_IO_write_end - stream->_IO_write_ptr;
+    return livres >= static_cast<std::ptrdiff_t>(n) ? stream->_IO_write_ptr : nullptr;
+}
+inline void avanca_no_buffer(std::FILE* stream, char* fim) {
+    stream->_IO_write_ptr = fim;
+}
+
+// One line on its way into a stream: its fields, then termina(). What a handler writes must be in
+// the stream when it returns, in whosever hands the stream is then; so nothing is kept for later,
+// and a line is put together in the stream's own buffer. Write errors stay in the stream's error
+// flag.
 class Linha {
   public:
     // Bytes that a number takes at most.
     static constexpr std::size_t maior_numero = 20;
 
     // The line will not be longer than `maior` bytes.
-    Linha(Escrita& escrita, std::size_t maior) : escrita_(escrita), p_(escrita.espaco(maior)) {}
+    Linha(std::FILE* stream, std::size_t maior)
+        : stream_(stream), p_(lugar_no_buffer(stream, maior)) {
+        if (p_) return;
+        propria_ = std::make_unique_for_overwrite<char[]>(maior);
+        p_ = propria_.get();
+    }
 
     Linha& texto(const char* t, std::size_t n) {
         copia(p_, t, n);
@@ -121,7 +89,13 @@ class Linha {
         p_ = std::to_chars(p_, p_ + maior_numero, v, base).ptr;
         return *this;
     }
-    void termina() { escrita_.avanca(p_); }
+    void termina() {
+        if (!propria_)
+            avanca_no_buffer(stream_, p_);
+        else
+            fwrite_unlocked(propria_.get(), 1, static_cast<std::size_t>(p_ - propria_.get()),
+                            stream_);
+    }
 
   private:
     // Nearly all fields are of these lengths; two moves that may overlap are less than a call.
@@ -142,6 +116,7 @@ class Linha {
         std::memcpy(para + n - k, fim, k);
     }
 
-    Escrita& escrita_;
+    std::FILE* stream_;
+    std::unique_ptr<char[]> propria_;  // the line, when it does not fit into the buffer
     char* p_;
 };

@@ -283,10 +283,10 @@ TEST(Eventos, recusasDosRelatorios) {
     EXPECT_EQ(p.msgs_per_hour_handle_OK(1, id, nullptr, nullptr, 0), 1);
 }
 
-// Between two events the compact file is a stream like any other: whoever writes to it, closes it or
-// puts another in its place finds every line where it belongs. A line may be of any length.
+// Between two events the compact file is a stream like any other: whoever writes to it, closes it
+// or puts another in its place finds every line where it belongs. A line may be of any length.
 TEST(Eventos, compactoEUmStream) {
-    const std::string longo(Escrita::bloco + 5, 'r');
+    const std::string longo(MemoriaDeStream::bytes + 5, 'r');
     Memoria compacto, outro;
     LogMailFileParser p;
     p.compact_logfile = compacto.stream;

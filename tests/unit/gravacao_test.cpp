@@ -139,8 +139,8 @@ TEST_F(GravacaoTest, LeftoversAreReplaced) {
     EXPECT_EQ(entradas(), 1);
 }
 
-// A link, a directory or another user's file beside the target is left alone, and the target written
-// in place.
+// A link, a directory or another user's file beside the target is left alone, and the target
+// written in place.
 TEST_F(GravacaoTest, WhatIsNotALeftoverStays) {
     arvore.write("victim", "whole");
     liga("victim", "link.novo");

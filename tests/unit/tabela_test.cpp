@@ -16,7 +16,9 @@ static_assert(std::is_convertible_v<Tabela<Msg>&, const DList<Msg>&>);
 static_assert(!std::is_convertible_v<Tabela<Msg>&, DList<Msg>&>);
 static_assert(!std::is_convertible_v<Tabela<Msg>*, DList<Msg>*>);
 template <class T>
-concept cabeca_muda = requires(T t) { t.head = nullptr; };
+concept cabeca_muda = requires(T t) {
+    t.head = nullptr;
+};
 static_assert(cabeca_muda<DList<Msg>> && !cabeca_muda<Tabela<Msg>>);
 
 TEST(Tabela, respondeComoALista) {
