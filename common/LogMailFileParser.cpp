@@ -56,7 +56,6 @@ bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
 void LogMailFileParser::esvazia() {
     fecha(compact_logfile);
     fecha(statistic_logfile);
-    memoria_do_dia_.liberta();
     lote_.reset();
     remetentes_.reset();
     Lista_msg.apaga_se([](const Msg*) { return true; });

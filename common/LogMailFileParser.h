@@ -245,6 +245,5 @@ class LogMailFileParser : public LogFileParser {
     std::size_t tamanho_de_T_ = 0;
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
-    MemoriaDeStream memoria_do_dia_;                 // the buffer of the day file being written
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
 };

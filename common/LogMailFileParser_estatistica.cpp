@@ -65,7 +65,7 @@ diario::Totais LogMailFileParser::retira_mensagens() {
 
 void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
     const unsigned ultimo = std::min(last_period, sfile_num_periods - 1);
-    memoria_do_dia_.empresta(statistic_logfile);
+    MemoriaDeStream::empresta(statistic_logfile);
     diario::escreve_totais(statistic_logfile, period_limit[first_period] - passo(),
                            period_limit[ultimo] - 1, totais);
     for (unsigned p = 0; p < sfile_num_periods; ++p) {

@@ -76,7 +76,7 @@ bool LogMailFileParser::createFiles() {
     calculatePeriodLimits();
     sem_compacto_ = !createFile(&compact_logfile, compact_fname_prefix);
     if (sem_compacto_) return false;
-    memoria_do_dia_.empresta(compact_logfile);
+    MemoriaDeStream::empresta(compact_logfile);
     return true;
 }
 
@@ -85,7 +85,7 @@ bool LogMailFileParser::createFiles() {
 bool LogMailFileParser::fecha(std::FILE*& arquivo) {
     if (!arquivo) return true;
     const bool gravado = fecha_gravado(arquivo);
-    memoria_do_dia_.fechada(arquivo);
+    MemoriaDeStream::fechada(arquivo);
     arquivo = nullptr;
     if (!gravado) parada_ = true;
     return gravado;

@@ -9,41 +9,29 @@
 #include <cstring>
 #include <memory>
 
-// A large buffer for one stream after the other, to which lines come one by one: with stdio's own,
-// of 4 KiB, writing a day's lines takes twice as long. The stream stays a stream like any other.
-// Whoever takes it away goes on writing through the buffer, so it is never freed under a stream
-// that was not seen closed.
+// A large buffer for the stream to which lines come one by one: with stdio's own, of 4 KiB, writing
+// a day's lines takes twice as long. There is one a thread, and it is never freed before the thread
+// ends: whoever takes the stream away goes on writing through it. Meanwhile others have stdio's
+// own.
 class MemoriaDeStream {
   public:
     static constexpr std::size_t bytes = std::size_t{64} * 1024;
 
-    MemoriaDeStream() = default;
-    MemoriaDeStream(const MemoriaDeStream&) = delete;
-    MemoriaDeStream& operator=(const MemoriaDeStream&) = delete;
-    ~MemoriaDeStream() { liberta(); }
-
-    // Lends the buffer to a stream that was just opened, unless another one may still have it.
-    void empresta(std::FILE* stream) {
-        if (emprestada_) return;
-        if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(bytes);
-        if (std::setvbuf(stream, memoria_.get(), _IOFBF, bytes) == 0) emprestada_ = stream;
+    // Lends the buffer to a stream that was just opened, unless another one may still have it. One
+    // at the same address cannot: it was closed.
+    static void empresta(std::FILE* stream) {
+        if (emprestada_ && stream != emprestada_) return;
+        if (std::setvbuf(stream, memoria_, _IOFBF, bytes) == 0) emprestada_ = stream;
     }
 
     // To be told of each stream that was closed.
-    void fechada(const std::FILE* stream) {
+    static void fechada(const std::FILE* stream) {
         if (stream == emprestada_) emprestada_ = nullptr;
     }
 
-    // Gives the memory back; what is still lent stays with its stream.
-    void liberta() {
-        if (emprestada_) static_cast<void>(memoria_.release());
-        memoria_.reset();
-        emprestada_ = nullptr;
-    }
-
   private:
-    std::unique_ptr<char[]> memoria_;
-    const std::FILE* emprestada_ = nullptr;
+    static inline thread_local char memoria_[bytes];
+    static inline thread_local const std::FILE* emprestada_ = nullptr;
 };
 
 // Where the next `n` bytes for a stream may be written at once, without a call; null when they do

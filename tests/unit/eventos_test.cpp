@@ -324,6 +324,9 @@ TEST(Eventos, compactoLevadoEmbora) {
         levado = p.levado;
     }
     ASSERT_NE(levado, nullptr);
+    Rele outro;  // whose files are written meanwhile
+    outro.mensagem(dia + " 12:00:00", "C").consolida(amanha);
+    EXPECT_TRUE(outro.compacto(dia).ends_with(" 2 4 C\n"));
     std::fputs("depois\n", levado);
     std::fclose(levado);
     const std::string t = T(dia + " 10:00:00");
