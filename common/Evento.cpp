@@ -12,11 +12,11 @@ void Evento::separa(const char* linha, std::size_t n) {
         linha += inicio_das_palavras_;
         separa_qualquer(linha, strnlen(linha, n));
     }
-    agente_ = getAgent(palavra(0));
-    status_ = getStatus(palavra(1));
+    agente_ = getAgent(palavra(0).data());
+    status_ = getStatus(palavra(1).data());
     id_ = chave_da(3);
     const bool aceita = status_ == OK && (agente_ == MAILQ || agente_ == MAILSMTP);
-    toca_usuario_ = aceita || (submissao() && getUserType(palavra(5)) == INTERNO);
+    toca_usuario_ = aceita || (submissao() && getUserType(palavra(5).data()) == INTERNO);
     endereco_ = aceita ? chave_da(5) : submissao() ? chave_da(7) : Chave();
 }
 
@@ -58,8 +58,6 @@ void Evento::separa_qualquer(const char* texto, std::size_t n) {
 }
 
 Chave Evento::chave_da(int i) const {
-    Chave c;
-    if (i >= lidas_) return c;
-    return Chave(texto_ + separadores_[i] + 1,
-                 static_cast<std::size_t>(separadores_[i + 1] - separadores_[i] - 1));
+    const std::string_view p = palavra(i);
+    return p.data() ? Chave(p.data(), p.size()) : Chave();
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "common/auxiliar.h"
 #include "misc/palavras.h"
@@ -25,8 +26,13 @@ class Evento {
     static constexpr std::size_t folga = Cortes::maior;
     void separa(const char* linha, std::size_t n);
 
-    // The word `i`, less than palavras_lidas; null when the line has fewer.
-    const char* palavra(int i) const { return i < lidas_ ? texto_ + separadores_[i] + 1 : nullptr; }
+    // The word `i`, less than palavras_lidas, with a NUL behind it; one without data when the line
+    // has fewer.
+    std::string_view palavra(int i) const {
+        if (i >= lidas_) return {};
+        return {texto_ + separadores_[i] + 1,
+                static_cast<std::size_t>(separadores_[i + 1] - separadores_[i] - 1)};
+    }
     Agent agente() const { return agente_; }
     Status status() const { return status_; }
     // Word 3, the message's id, as a key; its text is null when there is none.

@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "common/Evento.h"
 #include "common/LogFileParser.h"
@@ -185,34 +187,37 @@ class LogMailFileParser : public LogFileParser {
 
     // The line (_linha.cpp).
     void despacha(const Evento& e);
-    time_t hora_da_linha();
-    // The length of a text given to a handler; known when it is the time or a key of the line.
-    std::size_t tamanho_de(const char* texto) const {
-        if (evento_ && texto == T_) return tamanho_de_T_;
-        if (evento_ && texto == evento_->id().texto) return evento_->id().tamanho;
-        if (evento_ && texto == evento_->endereco().texto) return evento_->endereco().tamanho;
-        return std::strlen(texto);
-    }
-    // A text given to a handler, as a key. When it is a word of the line, its hash is known.
-    Chave chave_de(const char* texto) const {
-        if (evento_ && evento_->id().texto == texto) return evento_->id();
-        if (evento_ && evento_->endereco().texto == texto) return evento_->endereco();
-        return Chave(texto);
-    }
     const char* resto_da_linha(std::size_t coluna) const;
 
-    // Steps that the handlers share (_eventos.cpp).
-    template <std::size_t n>
-    bool registra(const char* metodo, Agent agente, Status status, const char* const (&campos)[n],
-                  bool fim = true);
-    Msg* msg_ou_nova(const char* id, time_t inicio = 0);
-    TextoPartilhado texto_de(const char* remetente);
-    Usuario* usuario_ou_novo(const char* nome, unsigned periodos);
+    // The time of an event, and that in hexadecimal, as its compact line begins.
+    struct Hora {
+        time_t t;
+        std::string_view hexa;
+    };
+    Hora hora(const char* T);
+
+    // The events (_eventos.cpp): what the public handlers do, over the words of the line, measured
+    // and hashed. Each text has a NUL behind it, or no data when it is missing.
+    using Texto = std::string_view;
+    int mailq_submit(Hora h, const Chave& id, Texto tipo, const Chave& remetente, Texto tamanho);
+    int mailq_ok(Hora h, const Chave& id, const Chave& destinatario);
+    int mailq_end(Hora h, const Chave& id);
+    int deliver(Hora h, const Chave& id);
+    int smtp_ok(Hora h, const Chave& id, const Chave& destinatario);
+    int smtp_end(Hora h, const Chave& id);
+    int spam(Hora h, const Chave& id);
+    int virus(Hora h, const Chave& id);
+    int erro(Status status, Hora h, const Chave& id, Texto texto = {});
+
+    // Steps that they share.
+    bool registra(const char* metodo, Agent agente, Status status, Hora h,
+                  std::initializer_list<Texto> campos, bool fim = true);
+    Msg* msg_ou_nova(const Chave& id, time_t inicio = 0);
+    TextoPartilhado texto_de(const Chave& remetente);
+    Usuario* usuario_ou_novo(const Chave& nome, unsigned periodos);
     void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
-    void conta_recebida(const char* destinatario, const Msg* m);
-    void encerra(Msg* m, int (Usuario::*tambem)(unsigned, int) = nullptr);
-    template <std::size_t n>
-    int evento_erro(const RegraErro& regra, const char* const (&campos)[n]);
+    void conta_recebida(const Chave& destinatario, const Msg* m, time_t t);
+    void encerra(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
 
     // The day's end (_periodos.cpp, _estatistica.cpp).
     time_t passo() const { return 86400 / sfile_num_periods; }
@@ -239,10 +244,8 @@ class LogMailFileParser : public LogFileParser {
     struct IndiceDeLinhas;
     IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
-    const Evento* evento_ = nullptr;  // the line in osBuf.lbuf, while parser() handles it
-    time_t hora_ = 0;                 // its time
-    char T_[16] = {};                 // and that in hexadecimal, as the handlers take it
-    std::size_t tamanho_de_T_ = 0;
+    Hora hora_{};  // of the line handled last, its text in T_
+    char T_[16] = {};
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash

@@ -1,80 +1,89 @@
-// The 17 event handlers, over a few shared steps.
+// The events of the log: what each writes into the compact file, counts and remembers. The public
+// handlers measure and hash the texts that they are given; what reads the log has done so already.
 #include <algorithm>
 #include <cstring>
 
 #include "common/LogMailFileParser.h"
 #include "misc/numero.h"
 
+namespace {
+
+using Texto = std::string_view;
+
+Texto texto(const char* t) {
+    return t ? Texto(t) : Texto();
+}
+
+Chave chave(const char* t) {
+    return t ? Chave(t) : Chave();
+}
+
+}  // namespace
+
 // What an error event does beyond its compact line.
 struct LogMailFileParser::RegraErro {
-    const char* metodo;
     Status status;
-    bool conta;         // counts an error of the sender
-    bool marca_hora;    // moves the message's last_time
-    bool fatal;         // the delivery failed for good
-    bool tentativa;     // counts as an attempt when none was seen
-    ErrorType tipo;     // pending error to record; etFINAL records none
-    const char* texto;  // its text; null: the event's own
-    bool fim = true;    // its compact line needs a line end
+    const char* metodo;            // named by a refusal
+    ErrorType pendente = etFINAL;  // the pending error that it records; etFINAL: none
+    const char* guarda = nullptr;  // the text kept with it; null: the event's own
+    bool conta = true;             // counts an error of the sender
+    bool marca_hora = false;       // moves the message's last_time
+    bool fatal = false;            // the delivery failed for good
+    bool tentativa = false;        // counts as an attempt when none was seen
+    bool sem_texto = false;        // the event has no text
+    bool sem_fim = false;          // its text is the rest of the log line and brings the line end
 };
 
-// Refuses the event when a text is null; else writes its compact line: time, agent, status, the
-// other texts, a line end unless one of them brings it. `campos` begins with the time. False when
-// refused.
-template <std::size_t n>
-bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status,
-                                 const char* const (&campos)[n], bool fim) {
-    std::size_t tamanhos[n];
-    std::size_t maior = 2 * Linha::maior_numero + n + 2;
-    for (std::size_t i = 0; i < n; ++i) {
-        if (!campos[i]) {
-            traco("%s : Params. inv\xE1lidos.\r\n", metodo);
-            return false;
-        }
-        maior += tamanhos[i] = tamanho_de(campos[i]);
+LogMailFileParser::Hora LogMailFileParser::hora(const char* T) {
+    return {convTimeFromLog(osBuf.lbuf), texto(T)};
+}
+
+// Refuses the event when a text is missing; else writes its compact line: time, agent, status, the
+// other texts, a line end unless the last of them brings it. False when refused.
+bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status, Hora h,
+                                 std::initializer_list<Texto> campos, bool fim) {
+    bool falta = !h.hexa.data();
+    std::size_t maior = h.hexa.size() + 2 * Linha::maior_numero + campos.size() + 3;
+    for (const Texto t : campos) {
+        falta |= !t.data();
+        maior += t.size();
+    }
+    if (falta) {
+        traco("%s : Params. inv\xE1lidos.\r\n", metodo);
+        return false;
     }
     if (!compact_logfile) return true;
     Linha linha(compact_logfile, maior);
-    linha.texto(campos[0], tamanhos[0]).letra(' ').numero(agente).letra(' ').numero(status);
-    for (std::size_t i = 1; i < n; ++i) linha.letra(' ').texto(campos[i], tamanhos[i]);
+    linha.texto(h.hexa).letra(' ').numero(agente).letra(' ').numero(status);
+    for (const Texto t : campos) linha.letra(' ').texto(t);
     if (fim) linha.letra('\n');
     linha.termina();
     return true;
 }
-template bool LogMailFileParser::registra(const char*, Agent, Status, const char* const (&)[2],
-                                          bool);
 
-Msg* LogMailFileParser::msg_ou_nova(const char* id, time_t inicio) {
-    const Chave c = chave_de(id);
-    Msg* m = Lista_msg.procurar(c);
-    if (!m) {
-        auto nova = std::make_unique<Msg>(id, inicio);
-        // A long id is kept cut, so its key is another one.
-        c.tamanho < sizeof m->id ? Lista_msg.putFirst(nova.get(), c.hash)
+Msg* LogMailFileParser::msg_ou_nova(const Chave& id, time_t inicio) {
+    if (Msg* m = Lista_msg.procurar(id)) return m;
+    auto nova = std::make_unique<Msg>(id.texto, inicio);
+    // A long id is kept cut, so its key is another one.
+    id.tamanho < sizeof nova->id ? Lista_msg.putFirst(nova.get(), id.hash)
                                  : Lista_msg.putFirst(nova.get());
-        m = nova.release();
-    }
-    return m;
+    return nova.release();
 }
 
-Usuario* LogMailFileParser::usuario_ou_novo(const char* nome, unsigned periodos) {
-    const Chave c = chave_de(nome);
-    Usuario* u = Lista_usu.procurar(c);
-    if (!u) {
-        auto novo = std::make_unique<Usuario>(nome, periodos);
-        Lista_usu.putFirst(novo.get(), c.hash);
-        u = novo.release();
-    }
-    return u;
+Usuario* LogMailFileParser::usuario_ou_novo(const Chave& nome, unsigned periodos) {
+    if (Usuario* u = Lista_usu.procurar(nome)) return u;
+    auto novo = std::make_unique<Usuario>(nome.texto, periodos);
+    Lista_usu.putFirst(novo.get(), nome.hash);
+    return novo.release();
 }
 
 // A sender's text, shared with the earlier messages of the same sender while he is remembered: the
 // last one of each place does.
-TextoPartilhado LogMailFileParser::texto_de(const char* remetente) {
+TextoPartilhado LogMailFileParser::texto_de(const Chave& remetente) {
     if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
-    const Chave c = chave_de(remetente);
-    TextoPartilhado& t = remetentes_[c.hash % max_remetentes];
-    if (!t.igual(c.texto, c.tamanho)) t = TextoPartilhado(c.texto, c.tamanho);
+    TextoPartilhado& t = remetentes_[remetente.hash % max_remetentes];
+    if (!t.igual(remetente.texto, remetente.tamanho))
+        t = TextoPartilhado(remetente.texto, remetente.tamanho);
     return t;
 }
 
@@ -88,9 +97,8 @@ void LogMailFileParser::conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(u
     if (tambem) (m->sender->*tambem)(p, 1);
 }
 
-void LogMailFileParser::conta_recebida(const char* destinatario, const Msg* m) {
+void LogMailFileParser::conta_recebida(const Chave& destinatario, const Msg* m, time_t t) {
     Usuario* u = usuario_ou_novo(destinatario, sfile_num_periods);
-    const time_t t = hora_da_linha();
     if (t == 0) return;
     const unsigned p = getPeriodByTime(t);
     u->incRecv(p, 1);
@@ -98,238 +106,219 @@ void LogMailFileParser::conta_recebida(const char* destinatario, const Msg* m) {
 }
 
 // The message is over: a local sender is counted and no longer waited for.
-void LogMailFileParser::encerra(Msg* m, int (Usuario::*tambem)(unsigned, int)) {
-    m->end_time = hora_da_linha();
-    conta_enviada(m, m->end_time, tambem);
+void LogMailFileParser::encerra(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
+    m->end_time = t;
+    conta_enviada(m, t, tambem);
     if (m->int_user && m->sender) --m->sender->msgs_reference;
 }
 
-int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo,
-                                           const char* remetente, const char* tamanho) {
-    if (!registra("LogMailFileParser::handle_MAILQ:SUBMIT", MAILQ, SUBMIT,
-                  {T, id, tipo, remetente, tamanho}))
+int LogMailFileParser::mailq_submit(Hora h, const Chave& id, Texto tipo, const Chave& remetente,
+                                    Texto tamanho) {
+    if (!registra("LogMailFileParser::handle_MAILQ:SUBMIT", MAILQ, SUBMIT, h,
+                  {id, tipo, remetente, tamanho}))
         return 0;
-    const bool interno = getUserType(tipo) == INTERNO;
+    const bool interno = getUserType(tipo.data()) == INTERNO;
     Usuario* u = nullptr;
     if (interno) {
         u = usuario_ou_novo(remetente, std::max(24u, sfile_num_periods));
         ++u->msgs_reference;
     }
-    Msg* m = msg_ou_nova(id, hora_da_linha());
-    m->size = static_cast<std::uint32_t>(decimal32(tamanho));
+    Msg* m = msg_ou_nova(id, h.t);
+    m->size = static_cast<std::uint32_t>(decimal32(tamanho.data()));
     m->sender = u;
     m->define_remetente(texto_de(remetente));
     if (interno) m->int_user = true;
     return 1;
 }
 
-int LogMailFileParser::handle_MAILQ_OK(const char* T, const char* id, const char* destinatario) {
-    if (!registra("LogMailFileParser::handle_MAILQ:OK", MAILQ, OK, {T, id, destinatario})) return 0;
+int LogMailFileParser::mailq_ok(Hora h, const Chave& id, const Chave& destinatario) {
+    if (!registra("LogMailFileParser::handle_MAILQ:OK", MAILQ, OK, h, {id, destinatario})) return 0;
     Msg* m = msg_ou_nova(id);
     if (m->tries == 0) m->tries = 1;
-    conta_recebida(destinatario, m);
+    conta_recebida(destinatario, m, h.t);
     m->sent = true;
     return 1;
 }
 
-int LogMailFileParser::handle_MAILQ_END(const char* T, const char* id) {
-    if (!registra("LogMailFileParser::handle_MAILQ:END", MAILQ, END, {T, id})) return 0;
-    encerra(msg_ou_nova(id));
+int LogMailFileParser::mailq_end(Hora h, const Chave& id) {
+    if (!registra("LogMailFileParser::handle_MAILQ:END", MAILQ, END, h, {id})) return 0;
+    encerra(msg_ou_nova(id), h.t);
     return 1;
 }
 
-int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
-    if (!registra("LogMailFileParser::handle_MAILSMTP:DELIVER", MAILSMTP, DELIVER, {T, id}))
+int LogMailFileParser::deliver(Hora h, const Chave& id) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:DELIVER", MAILSMTP, DELIVER, h, {id}))
         return 0;
     Msg* m = msg_ou_nova(id);
-    m->last_time = hora_da_linha();
+    m->last_time = h.t;
     ++m->tries;
     return 1;
 }
 
-int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
-    if (!registra("LogMailFileParser::handle_MAILSMTP:OK", MAILSMTP, OK, {T, id, destinatario}))
+int LogMailFileParser::smtp_ok(Hora h, const Chave& id, const Chave& destinatario) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:OK", MAILSMTP, OK, h, {id, destinatario}))
         return 0;
-    Msg* m = Lista_msg.procurar(chave_de(id));
+    Msg* m = Lista_msg.procurar(id);
     if (m) {
-        if (const char* arroba = std::strchr(destinatario, '@')) remover_error(m, arroba + 1);
+        const char* arroba = std::strchr(destinatario.texto, '@');
+        if (arroba) remover_error(m, arroba + 1);
         remover_error(m, nullptr);
     } else {
         m = msg_ou_nova(id);
     }
-    conta_recebida(destinatario, m);
+    conta_recebida(destinatario, m, h.t);
     m->sent = true;
     if (m->tries == 0) m->tries = 1;
     return 1;
 }
 
-int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
-    if (!registra("LogMailFileParser::handle_MAILSMTP:END", MAILSMTP, END, {T, id})) return 0;
-    Msg* m = Lista_msg.procurar(chave_de(id));
+int LogMailFileParser::smtp_end(Hora h, const Chave& id) {
+    if (!registra("LogMailFileParser::handle_MAILSMTP:END", MAILSMTP, END, h, {id})) return 0;
+    Msg* m = Lista_msg.procurar(id);
     if (m)
         m->error = m->error_list.first() != nullptr;
     else
         m = msg_ou_nova(id);
-    encerra(m);
+    encerra(m, h.t);
     return 1;
 }
 
-int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
+int LogMailFileParser::spam(Hora h, const Chave& id) {
     // Agent 2 for every spam and virus event, whoever found it: the replay counts on it.
-    if (!registra("LogMailFileParser::handle_SPAM", MAILSMTP, SPAM, {T, id})) return 0;
+    if (!registra("LogMailFileParser::handle_SPAM", MAILSMTP, SPAM, h, {id})) return 0;
     Msg* m = msg_ou_nova(id);
     m->spam = true;
-    conta_enviada(m, hora_da_linha(), &Usuario::incSpam);
+    conta_enviada(m, h.t, &Usuario::incSpam);
     return 1;
 }
 
-int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
-    if (!registra("LogMailFileParser::handle_ANTIVIRUS_VIRUS", MAILSMTP, VIRUS, {T, id})) return 0;
-    Msg* m = Lista_msg.procurar(chave_de(id));
+int LogMailFileParser::virus(Hora h, const Chave& id) {
+    if (!registra("LogMailFileParser::handle_ANTIVIRUS_VIRUS", MAILSMTP, VIRUS, h, {id})) return 0;
+    Msg* m = Lista_msg.procurar(id);
     if (!m) return 1;  // like an error, a virus does not make a message known
     m->virus = true;
-    encerra(m, &Usuario::incVirus);
+    encerra(m, h.t, &Usuario::incVirus);
     return 1;
 }
 
-// An error of a message that is not known leaves no trace but its compact line. `campos`: the time,
-// the id and, where the event has one, its text.
-template <std::size_t n>
-int LogMailFileParser::evento_erro(const RegraErro& regra, const char* const (&campos)[n]) {
-    if (!registra(regra.metodo, MAILSMTP, regra.status, campos, regra.fim)) return 0;
-    Msg* m = Lista_msg.procurar(chave_de(campos[1]));
+// An error of a message that is not known leaves no trace but its compact line.
+int LogMailFileParser::erro(Status status, Hora h, const Chave& id, Texto texto) {
+    static constexpr RegraErro regras[] = {
+        {.status = ERROR_CONNECT,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:CONNECT",
+         .pendente = etCONNECT,
+         .marca_hora = true},
+        {.status = ERROR_SENDER,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SENDER",
+         .pendente = etSENDER,
+         .marca_hora = true},
+        {.status = ERROR_DEST,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DEST",
+         .pendente = etDEST,
+         .guarda = "dest"},
+        {.status = ERROR_FINAL,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_FINAL",
+         .fatal = true,
+         .tentativa = true,
+         .sem_fim = true},
+        {.status = ERROR_DATA,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DATA",
+         .pendente = etDATA,
+         .guarda = "",
+         .sem_texto = true},
+        {.status = ERROR_HELO,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_HELO",
+         .pendente = etHELO},
+        {.status = ERROR_SIZE,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SIZE",
+         .fatal = true,
+         .sem_texto = true},
+        {.status = ERROR_DOMAIN,
+         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DOMAIN",
+         .pendente = etDOMAIN,
+         .conta = false},
+        {.status = RETRY_DEST,
+         .metodo = "LogMailFileParser::handle_MAILSMTP_RETRY_DEST",
+         .pendente = etRETRY_DEST,
+         .conta = false},
+    };
+    const RegraErro& regra =
+        *std::find_if(std::begin(regras), std::end(regras) - 1,
+                      [status](const RegraErro& r) { return r.status == status; });
+    const bool escrito =
+        regra.sem_texto ? registra(regra.metodo, MAILSMTP, status, h, {id})
+                        : registra(regra.metodo, MAILSMTP, status, h, {id, texto}, !regra.sem_fim);
+    if (!escrito) return 0;
+    Msg* m = Lista_msg.procurar(id);
     if (!m) return 1;
-    const time_t t = hora_da_linha();
-    if (regra.conta && m->sender && t != 0) m->sender->incErro(getPeriodByTime(t), 1);
-    if (regra.marca_hora) m->last_time = t;
+    if (regra.conta && m->sender && h.t != 0) m->sender->incErro(getPeriodByTime(h.t), 1);
+    if (regra.marca_hora) m->last_time = h.t;
     if (regra.fatal) m->fatal_error = true;
     if (regra.tentativa && m->tries == 0) m->tries = 1;
-    if (regra.tipo != etFINAL) {
-        m->add_error(regra.tipo, regra.texto ? regra.texto : campos[n - 1]);
+    if (regra.pendente != etFINAL) {
+        m->add_error(regra.pendente, regra.guarda ? regra.guarda : texto.data());
         m->error = true;
     }
     return 1;
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id,
-                                                     const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:CONNECT",
-                                     ERROR_CONNECT,
-                                     true,
-                                     true,
-                                     false,
-                                     false,
-                                     etCONNECT,
-                                     nullptr};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id,
-                                                    const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_SENDER",
-                                     ERROR_SENDER,
-                                     true,
-                                     true,
-                                     false,
-                                     false,
-                                     etSENDER,
-                                     nullptr};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_DEST(const char* T, const char* id,
-                                                  const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DEST",
-                                     ERROR_DEST,
-                                     true,
-                                     false,
-                                     false,
-                                     false,
-                                     etDEST,
-                                     "dest"};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id,
-                                                   const char* texto) {
-    // The text is the rest of the log line and brings its own line end.
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_FINAL",
-                                     ERROR_FINAL,
-                                     true,
-                                     false,
-                                     true,
-                                     true,
-                                     etFINAL,
-                                     nullptr,
-                                     false};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_DATA(const char* T, const char* id) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DATA",
-                                     ERROR_DATA,
-                                     true,
-                                     false,
-                                     false,
-                                     false,
-                                     etDATA,
-                                     ""};
-    return evento_erro(regra, {T, id});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_HELO(const char* T, const char* id,
-                                                  const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_HELO",
-                                     ERROR_HELO,
-                                     true,
-                                     false,
-                                     false,
-                                     false,
-                                     etHELO,
-                                     nullptr};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_SIZE",
-                                     ERROR_SIZE,
-                                     true,
-                                     false,
-                                     true,
-                                     false,
-                                     etFINAL,
-                                     nullptr};
-    return evento_erro(regra, {T, id});
-}
-
-int LogMailFileParser::handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id,
-                                                    const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP:ERROR_DOMAIN",
-                                     ERROR_DOMAIN,
-                                     false,
-                                     false,
-                                     false,
-                                     false,
-                                     etDOMAIN,
-                                     nullptr};
-    return evento_erro(regra, {T, id, texto});
-}
-
-int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id,
-                                                  const char* texto) {
-    static constexpr RegraErro regra{"LogMailFileParser::handle_MAILSMTP_RETRY_DEST",
-                                     RETRY_DEST,
-                                     false,
-                                     false,
-                                     false,
-                                     false,
-                                     etRETRY_DEST,
-                                     nullptr};
-    return evento_erro(regra, {T, id, texto});
 }
 
 void LogMailFileParser::remover_error(Msg* m, const char* texto) {
     if (!m || !m->error_list.first()) return;
     for (ErrorType tipo : {etSENDER, etHELO, etCONNECT, etDOMAIN}) m->remove_error(tipo, texto);
     m->remove_error(etDATA, "");
+}
+
+// --- The public handlers.
+
+int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo,
+                                           const char* remetente, const char* tamanho) {
+    return mailq_submit(hora(T), chave(id), texto(tipo), chave(remetente), texto(tamanho));
+}
+int LogMailFileParser::handle_MAILQ_OK(const char* T, const char* id, const char* destinatario) {
+    return mailq_ok(hora(T), chave(id), chave(destinatario));
+}
+int LogMailFileParser::handle_MAILQ_END(const char* T, const char* id) {
+    return mailq_end(hora(T), chave(id));
+}
+int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
+    return deliver(hora(T), chave(id));
+}
+int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
+    return smtp_ok(hora(T), chave(id), chave(destinatario));
+}
+int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
+    return smtp_end(hora(T), chave(id));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id, const char* t) {
+    return erro(ERROR_CONNECT, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id, const char* t) {
+    return erro(ERROR_SENDER, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_DEST(const char* T, const char* id, const char* t) {
+    return erro(ERROR_DEST, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id, const char* t) {
+    return erro(ERROR_FINAL, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_DATA(const char* T, const char* id) {
+    return erro(ERROR_DATA, hora(T), chave(id));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_HELO(const char* T, const char* id, const char* t) {
+    return erro(ERROR_HELO, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id) {
+    return erro(ERROR_SIZE, hora(T), chave(id));
+}
+int LogMailFileParser::handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id, const char* t) {
+    return erro(ERROR_DOMAIN, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id, const char* t) {
+    return erro(RETRY_DEST, hora(T), chave(id), texto(t));
+}
+int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
+    return spam(hora(T), chave(id));
+}
+int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
+    return virus(hora(T), chave(id));
 }

@@ -8,7 +8,7 @@
 namespace {
 
 using P = LogMailFileParser;
-using Acao = void (*)(P&, const char* T, const Evento& e);
+using Acao = void (*)(P&, const Evento& e);
 
 struct Regra {
     Agent agente;
@@ -18,55 +18,69 @@ struct Regra {
 
 using Tabela_de_acoes = std::array<std::array<Acao, num_status>, num_agents>;
 
-// A handler called with the words at these positions; absent words are null.
-template <auto handler, int... palavras>
-void com(P& p, const char* T, const Evento& e) {
-    (p.*handler)(T, e.palavra(palavras)...);
-}
-
-void nada(P&, const char*, const Evento&) {}
+void nada(P&, const Evento&) {}
 
 }  // namespace
 
-// The actions that are more than a handler and its words.
+// What is done with each kind of event.
 struct LogMailFileParser::Despacho {
+    // A handler of the message that word 3 names: with nothing else, or with the address.
+    template <auto handler>
+    static void so_id(P& p, const Evento& e) {
+        (p.*handler)(p.hora_, e.id());
+    }
+    template <auto handler>
+    static void com_endereco(P& p, const Evento& e) {
+        (p.*handler)(p.hora_, e.id(), e.endereco());
+    }
+    template <Status status, int... palavra>
+    static void erro(P& p, const Evento& e) {
+        p.erro(status, p.hora_, e.id(), e.palavra(palavra)...);
+    }
+
     // The event is not understood: the raw line from a column on is all that is kept of it.
     template <Agent agente, std::size_t coluna>
-    static void copia(P& p, const char* T, const Evento&) {
+    static void copia(P& p, const Evento&) {
         const char* resto = p.resto_da_linha(coluna);
         const std::size_t n = std::strlen(resto);
         if (!p.compact_logfile) return;
-        Linha(p.compact_logfile, p.tamanho_de_T_ + Linha::maior_numero + 2 + n)
-            .texto(T, p.tamanho_de_T_)
+        Linha(p.compact_logfile, p.hora_.hexa.size() + Linha::maior_numero + 2 + n)
+            .texto(p.hora_.hexa)
             .letra(' ')
             .numero(agente)
             .letra(' ')
-            .texto(resto, n)
+            .texto({resto, n})
             .termina();
     }
 
-    static void desconhecido(P& p, const char* T, const Evento& e) {
-        copia<AGENT_UNKNOWN, 35>(p, T, e);
+    static void desconhecido(P& p, const Evento& e) {
+        copia<AGENT_UNKNOWN, 35>(p, e);
         p.traco("LogMailFileParser::parser : Falha no PARSER, linha = \"%s\"", p.osBuf.lbuf);
     }
 
-    static void submit(P& p, const char* T, const Evento& e) {
-        const bool sem_remetente = e.palavra(7) && std::strcmp(e.palavra(7), "com") == 0;
-        p.handle_MAILQ_SUBMIT(T, e.palavra(3), e.palavra(5), sem_remetente ? "" : e.palavra(7),
-                              sem_remetente ? e.palavra(8) : e.palavra(9));
+    // A bounce has no sender: the words behind it move up by one.
+    static void submit(P& p, const Evento& e) {
+        const bool sem_remetente = e.palavra(7) == "com";
+        p.mailq_submit(p.hora_, e.id(), e.palavra(5), sem_remetente ? Chave("") : e.endereco(),
+                       sem_remetente ? e.palavra(8) : e.palavra(9));
     }
 
-    static void dominio(P& p, const char* T, const Evento& e) {
-        if (e.palavra(4) && std::strcmp(e.palavra(4), "Dominio") == 0)
-            p.handle_MAILSMTP_ERROR_DOMAIN(T, e.palavra(3), e.palavra(5));
+    // Here the id is word 4.
+    static void spam_da_fila(P& p, const Evento& e) {
+        const Texto id = e.palavra(4);
+        p.spam(p.hora_, id.data() ? Chave(id.data(), id.size()) : Chave());
     }
 
-    static void final(P& p, const char* T, const Evento& e) {
-        p.handle_MAILSMTP_ERROR_FINAL(T, e.palavra(3), p.resto_da_linha(71));
+    static void dominio(P& p, const Evento& e) {
+        if (e.palavra(4) == "Dominio") p.erro(ERROR_DOMAIN, p.hora_, e.id(), e.palavra(5));
     }
 
-    static void leitura(P& p, const char* T, const Evento& e) {
-        p.registra("", POPSRV, READ, {T, e.palavra(3) ? e.palavra(3) : "(null)"});
+    static void final(P& p, const Evento& e) {
+        p.erro(ERROR_FINAL, p.hora_, e.id(), p.resto_da_linha(71));
+    }
+
+    static void leitura(P& p, const Evento& e) {
+        p.registra("", POPSRV, READ, p.hora_, {e.id().texto ? Texto(e.id()) : "(null)"});
     }
 
     static constexpr Tabela_de_acoes tabela() {
@@ -76,27 +90,27 @@ struct LogMailFileParser::Despacho {
         };
         constexpr Regra regras[] = {
             {MAILQ, SUBMIT, submit},
-            {MAILQ, DELIVER, com<&P::handle_MAILSMTP_DELIVER, 3>},
-            {MAILQ, OK, com<&P::handle_MAILQ_OK, 3, 5>},
-            {MAILQ, END, com<&P::handle_MAILQ_END, 3>},
-            {MAILQ, SPAM, com<&P::handle_SPAM, 4>},
-            {MAILSMTP, OK, com<&P::handle_MAILSMTP_OK, 3, 5>},
-            {MAILSMTP, END, com<&P::handle_MAILSMTP_END, 3>},
-            {MAILSMTP, ERROR_CONNECT, com<&P::handle_MAILSMTP_ERROR_CONNECT, 3, 6>},
-            {MAILSMTP, DELIVER, com<&P::handle_MAILSMTP_DELIVER, 3>},
-            {MAILSMTP, ERROR_SENDER, com<&P::handle_MAILSMTP_ERROR_SENDER, 3, 8>},
-            {MAILSMTP, ERROR_DEST, com<&P::handle_MAILSMTP_ERROR_DEST, 3, 5>},
+            {MAILQ, DELIVER, so_id<&P::deliver>},
+            {MAILQ, OK, com_endereco<&P::mailq_ok>},
+            {MAILQ, END, so_id<&P::mailq_end>},
+            {MAILQ, SPAM, spam_da_fila},
+            {MAILSMTP, OK, com_endereco<&P::smtp_ok>},
+            {MAILSMTP, END, so_id<&P::smtp_end>},
+            {MAILSMTP, ERROR_CONNECT, erro<ERROR_CONNECT, 6>},
+            {MAILSMTP, DELIVER, so_id<&P::deliver>},
+            {MAILSMTP, ERROR_SENDER, erro<ERROR_SENDER, 8>},
+            {MAILSMTP, ERROR_DEST, erro<ERROR_DEST, 5>},
             {MAILSMTP, ERROR_DOMAIN, dominio},
-            {MAILSMTP, ERROR_SIZE, com<&P::handle_MAILSMTP_ERROR_SIZE, 3>},
-            {MAILSMTP, ERROR_HELO, com<&P::handle_MAILSMTP_ERROR_HELO, 3, 5>},
-            {MAILSMTP, ERROR_DATA, com<&P::handle_MAILSMTP_ERROR_DATA, 3>},
+            {MAILSMTP, ERROR_SIZE, erro<ERROR_SIZE>},
+            {MAILSMTP, ERROR_HELO, erro<ERROR_HELO, 5>},
+            {MAILSMTP, ERROR_DATA, erro<ERROR_DATA>},
             {MAILSMTP, ERROR_FINAL, final},
             {POPSRV, READ, leitura},
-            {ANTIVIRUS, VIRUS, com<&P::handle_ANTIVIRUS_VIRUS, 3>},
-            {SPAMCATCHER, COPY, com<&P::handle_SPAM, 3>},
-            {SPAMCATCHER, TAGGED, com<&P::handle_SPAM, 3>},
-            {SPAMCATCHER, QUARANTINE, com<&P::handle_SPAM, 3>},
-            {SPAMCATCHER, DISCARD, com<&P::handle_SPAM, 3>},
+            {ANTIVIRUS, VIRUS, so_id<&P::virus>},
+            {SPAMCATCHER, COPY, so_id<&P::spam>},
+            {SPAMCATCHER, TAGGED, so_id<&P::spam>},
+            {SPAMCATCHER, QUARANTINE, so_id<&P::spam>},
+            {SPAMCATCHER, DISCARD, so_id<&P::spam>},
         };
         Tabela_de_acoes t{};
         for (std::size_t a = 0; a < num_agents; ++a) t[a].fill(outros[a]);
@@ -141,25 +155,13 @@ int LogMailFileParser::parser() {
 
 void LogMailFileParser::despacha(const Evento& e) {
     static constexpr Tabela_de_acoes tabela = Despacho::tabela();
-    struct Fim {
-        const Evento*& e;
-        ~Fim() { e = nullptr; }
-    } fim{evento_};
 
-    evento_ = &e;
-    const time_t hora = hora_do_registro();
-    if (hora != hora_ || T_[0] == '\0') {
-        char* fim = std::to_chars(T_, std::end(T_) - 1, static_cast<std::uint32_t>(hora), 16).ptr;
-        *fim = '\0';
-        tamanho_de_T_ = static_cast<std::size_t>(fim - T_);
-        hora_ = hora;
+    const time_t t = hora_do_registro();
+    if (t != hora_.t || hora_.hexa.empty()) {
+        const char* fim = std::to_chars(T_, std::end(T_), static_cast<std::uint32_t>(t), 16).ptr;
+        hora_ = {t, {T_, fim}};
     }
-    tabela[e.agente()][e.status()](*this, T_, e);
-}
-
-// The time of the event being handled; 0 when the line has none.
-time_t LogMailFileParser::hora_da_linha() {
-    return evento_ ? hora_ : convTimeFromLog(osBuf.lbuf);
+    tabela[e.agente()][e.status()](*this, e);
 }
 
 // The raw line from a column on, with its own line end; a line feed when nothing stands there.

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "common/DList.h"
@@ -57,6 +58,7 @@ struct Chave {
     Chave() = default;
     Chave(const char* t, std::size_t n) : texto(t), tamanho(n), hash(hash_chave(t, n)) {}
     explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
+    operator std::string_view() const { return {texto, tamanho}; }
 };
 
 // Whether a key kept in a field of `n` bytes, zero to its end, is this one.

@@ -45,7 +45,7 @@ void escreve_periodo(std::FILE* f, time_t inicio) {
 
 void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const usuStats& s) {
     Linha linha(f, tamanho + 8 * (Linha::maior_numero + 1) + 1);
-    linha.texto(nome, tamanho);
+    linha.texto({nome, tamanho});
     for (std::uint32_t v :
          {s.sent, s.bytes_sent, s.recv, s.bytes_recv, s.virus, s.spam, s.error, s.att_blocked})
         campo(linha, v);

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 // A large buffer for the stream to which lines come one by one: with stdio's own, of 4 KiB, writing
 // a day's lines takes twice as long. There is one a thread, and it is never freed before the thread
@@ -63,9 +64,9 @@ class Linha {
         p_ = propria_.get();
     }
 
-    Linha& texto(const char* t, std::size_t n) {
-        copia(p_, t, n);
-        p_ += n;
+    Linha& texto(std::string_view t) {
+        copia(p_, t.data(), t.size());
+        p_ += t.size();
         return *this;
     }
     Linha& letra(char c) {
