@@ -19,10 +19,10 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogFileParser.cpp
     common/LogFileParser_entrada.cpp
     common/LogMailFileParser.cpp
-    common/LogMailFileParser_dia.cpp
     common/LogMailFileParser_estatistica.cpp
     common/LogMailFileParser_eventos.cpp
     common/LogMailFileParser_hora.cpp
+    common/LogMailFileParser_leitura.cpp
     common/LogMailFileParser_linha.cpp
     common/LogMailFileParser_periodos.cpp
     common/LogMailFileParser_replay.cpp

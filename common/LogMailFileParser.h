@@ -112,7 +112,7 @@ class LogMailFileParser : public LogFileParser {
     // False, and *fp null, when that fails.
     bool createFile(std::FILE** fp, const char* prefix);
 
-    // Days: the day files of a range, [start, end] in Unix seconds (_dia.cpp). Fills `files` with
+    // Days: the day files of a range, [start, end] in Unix seconds (_leitura.cpp). Fills `files` with
     // the paths of one file each 86400 s from `start` while not later than `end`, by UTC; the
     // caller gives (end - start) / 86400 + 2 entries with null paths and frees the paths (new
     // char[]).
@@ -230,7 +230,7 @@ class LogMailFileParser : public LogFileParser {
 
     static constexpr std::size_t max_remetentes = 8192;
 
-    // Reports (_dia.cpp, _replay.cpp, _usuario.cpp).
+    // Reports (_leitura.cpp, _replay.cpp, _usuario.cpp).
     bool le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
                          DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
                          const char* user);

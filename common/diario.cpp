@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 
 namespace diario {
@@ -17,6 +18,19 @@ constexpr std::uint64_t dia_em_segundos = 86400;
 
 void campo(Linha& linha, std::uint32_t v) {
     linha.letra(' ').numero(static_cast<std::int32_t>(v));
+}
+
+// Reads the decimal numbers that stand in `texto`, up to n; answers how many there were.
+template <std::size_t n>
+std::size_t le_numeros(const char* texto, std::uint32_t (&numeros)[n]) {
+    for (std::size_t i = 0; i < n; ++i) {
+        char* fim;
+        const long long v = std::strtoll(texto, &fim, 10);
+        if (fim == texto) return i;
+        numeros[i] = static_cast<std::uint32_t>(v);
+        texto = fim;
+    }
+    return n;
 }
 
 }  // namespace
@@ -52,15 +66,55 @@ void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const 
     linha.letra('\n').termina();
 }
 
-int le_numeros(const char* texto, std::uint32_t* numeros, int n) {
-    for (int i = 0; i < n; ++i) {
-        char* fim;
-        const long long v = std::strtoll(texto, &fim, 10);
-        if (fim == texto) return i;
-        numeros[i] = static_cast<std::uint32_t>(v);
-        texto = fim;
-    }
-    return n;
+bool le_totais(const char* linha, Totais& t) {
+    std::uint32_t v[10];
+    if (le_numeros(linha, v) != 10) return false;
+    t = {v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9]};
+    return true;
+}
+
+void mostra(const Totais& t, MsgsData& linha) {
+    linha.spam = t.spam;
+    linha.virus = t.virus;
+    linha.error = t.error;
+    linha.att_blocked = t.att_blocked;
+    linha.msgs_int = t.msgs_int;
+    linha.bytes_int = t.bytes_int;
+    linha.msgs_ext = t.msgs_ext;
+    linha.bytes_ext = t.bytes_ext;
+}
+
+bool e_periodo(const char* linha) {
+    return linha[0] == '[';
+}
+
+time_t le_periodo(const char* linha) {
+    return static_cast<time_t>(std::strtoll(linha + 1, nullptr, 10));
+}
+
+const char* le_nome(const char* linha, std::string& nome) {
+    static constexpr char brancos[] = " \t\n\v\f\r";
+    const char* inicio = linha + std::strspn(linha, brancos);
+    const char* fim = inicio + std::strcspn(inicio, brancos);
+    nome.assign(inicio, fim);
+    return fim;
+}
+
+usuStats le_contadores(const char* numeros) {
+    std::uint32_t v[8] = {};
+    le_numeros(numeros, v);
+    return {v[0], v[2], v[1], v[3], v[4], v[5], v[6], v[7]};
+}
+
+void soma(const usuStats& s, MsgsData& linha) {
+    linha.msgs_ext += s.sent;
+    linha.bytes_ext += s.bytes_sent;
+    linha.msgs_int += s.recv;
+    linha.bytes_int += s.bytes_recv;
+    linha.virus += s.virus;
+    linha.error += s.spam;
+    linha.spam += s.error;
+    linha.att_blocked += s.att_blocked;
 }
 
 void nome_para_leitor(char (&path)[maior_caminho], const char* dir, const char* prefix, time_t t,

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <string>
 
 #include "common/Usuario.h"
 #include "common/relatorio.h"
@@ -32,20 +33,31 @@ struct Totais {
     std::uint32_t spam, virus, error, att_blocked, msgs_int, bytes_int, msgs_ext, bytes_ext;
 };
 
-// First line: Unix seconds of the first and of the last counted period's start and last second,
-// then the totals.
-void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& totais);
+// --- The lines of a statistics file, as they are written and read. Of numbers the low 32 bits are
+// kept.
 
-// "[<Unix seconds>]": the start of a period.
+// First line: Unix seconds of the first and of the last counted period's start and last second,
+// then the totals. It is read only whole: false when a number is missing.
+void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& totais);
+bool le_totais(const char* linha, Totais& totais);
+// What a report's row of totals shows of them.
+void mostra(const Totais& totais, MsgsData& linha);
+
+// "[<Unix seconds>]": the start of a period. Any line that begins with "[" is read as one.
 void escreve_periodo(std::FILE* f, time_t inicio);
+bool e_periodo(const char* linha);
+time_t le_periodo(const char* linha);
 
 // A user's counters of one period: his name of `tamanho` bytes, sent, bytes_sent, recv, bytes_recv,
 // virus, spam, error, att_blocked.
 void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const usuStats& s);
-
-// Reads up to `n` decimal numbers from `texto` as the lines above hold them; answers how many stood
-// there. Their low 32 bits are kept.
-int le_numeros(const char* texto, std::uint32_t* numeros, int n);
+// Reads the name, "" of a blank line, and answers where the counters begin; reads those, 0 for each
+// that is missing.
+const char* le_nome(const char* linha, std::string& nome);
+usuStats le_contadores(const char* numeros);
+// Adds them to a report's row of that user. Spam and errors change places, unlike in the totals:
+// pages have always shown them so.
+void soma(const usuStats& s, MsgsData& linha);
 
 // The day files of a report: from `start`, every 86400 seconds, while not later than `end`. Names
 // go by UTC, those of the writer by local time: the same while the zone's day and the UTC day of

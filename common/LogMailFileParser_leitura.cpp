@@ -19,27 +19,11 @@ bool le(LeitorLinhas& leitor, char (&linha)[maior_linha + 1]) {
     return n != 0;
 }
 
-// Cuts the name that begins a user's line off from its numbers, whose start it answers.
-const char* separa_nome(char* linha, std::string& nome) {
-    static constexpr char brancos[] = " \t\n\v\f\r";
-    char* inicio = linha + std::strspn(linha, brancos);
-    char* fim = inicio + std::strcspn(inicio, brancos);
-    nome.assign(inicio, fim);
-    return fim;
-}
-
 MsgsData* nova_contagem(DList<MsgsData>* lista, time_t timestamp) {
     MsgsData* d = new MsgsData{};
     d->timestamp = timestamp;
     lista->putLast(d);
     return d;
-}
-
-// The numbers of a user's line; those that are missing are 0.
-usuStats le_usuario(const char* numeros) {
-    std::uint32_t v[8] = {};
-    diario::le_numeros(numeros, v, 8);
-    return {v[0], v[2], v[1], v[3], v[4], v[5], v[6], v[7]};
 }
 
 }  // namespace
@@ -53,17 +37,9 @@ struct LogMailFileParser::LeituraEstatistica {
     std::unordered_map<std::string, MsgsDayUser*> usuarios{};
 
     void totais(time_t dia, DList<MsgsData>* m_day) {
-        std::uint32_t v[10];
-        if (!le(leitor, linha) || diario::le_numeros(linha, v, 10) != 10) return;
-        MsgsData* d = nova_contagem(m_day, dia);
-        d->spam = v[2];
-        d->virus = v[3];
-        d->error = v[4];
-        d->att_blocked = v[5];
-        d->msgs_int = v[6];
-        d->bytes_int = v[7];
-        d->msgs_ext = v[8];
-        d->bytes_ext = v[9];
+        diario::Totais t;
+        if (le(leitor, linha) && diario::le_totais(linha, t))
+            diario::mostra(t, *nova_contagem(m_day, dia));
     }
 
     void indexa(DList<MsgsDayUser>* pedidos) {
@@ -81,22 +57,13 @@ struct LogMailFileParser::LeituraEstatistica {
     // Every line is read as a user's; those that are none find nobody.
     void por_usuario(time_t dia, DList<MsgsDayUser>* pedidos) {
         while (le(leitor, linha)) {
-            const char* numeros = separa_nome(linha, nome);
+            const char* numeros = diario::le_nome(linha, nome);
             MsgsDayUser* u = pedido();
             if (!u) continue;
             MsgsData* d = u->has_data ? u->m_day.last() : nullptr;
             if (!d) d = nova_contagem(&u->m_day, dia);
             u->has_data = true;
-            const usuStats s = le_usuario(numeros);
-            d->msgs_ext += s.sent;
-            d->bytes_ext += s.bytes_sent;
-            d->msgs_int += s.recv;
-            d->bytes_int += s.bytes_recv;
-            d->virus += s.virus;
-            // Crossed, here and by the hour, unlike in the totals: pages have always shown them so.
-            d->error += s.spam;
-            d->spam += s.error;
-            d->att_blocked += s.att_blocked;
+            diario::soma(diario::le_contadores(numeros), *d);
         }
         for (MsgsDayUser* u = pedidos->first(); u; u = u->next) u->has_data = false;
     }
@@ -112,29 +79,16 @@ struct LogMailFileParser::LeituraEstatistica {
         unsigned colchetes = 0;
         bool procura = false;
         while (le(leitor, linha)) {
-            if (linha[0] == '[') {
+            if (diario::e_periodo(linha)) {
                 procura = colchetes < linhas_por_dia;
-                if (procura) {
-                    horas[colchetes]->timestamp =
-                        static_cast<time_t>(std::strtoll(linha + 1, nullptr, 10));
-                    ++colchetes;
-                }
+                if (procura) horas[colchetes++]->timestamp = diario::le_periodo(linha);
                 continue;
             }
             if (!procura) continue;
-            const char* numeros = separa_nome(linha, nome);
+            const char* numeros = diario::le_nome(linha, nome);
             if (!e_do_usuario(user)) continue;
             procura = false;
-            const usuStats s = le_usuario(numeros);
-            MsgsData* h = horas[colchetes - 1];
-            h->msgs_ext = s.sent;
-            h->bytes_ext = s.bytes_sent;
-            h->msgs_int = s.recv;
-            h->bytes_int = s.bytes_recv;
-            h->virus = s.virus;
-            h->spam = s.error;
-            h->error = s.spam;
-            h->att_blocked = s.att_blocked;
+            diario::soma(diario::le_contadores(numeros), *horas[colchetes - 1]);
         }
     }
 };
