@@ -70,9 +70,8 @@ bool Gravacao::abre(const char* path) {
     struct stat velho;
     const bool aberto =
         alvo < 0 ? abre_sobre(nullptr) : fstat(alvo, &velho) == 0 && abre_sobre(&velho);
-    const int erro = errno;
+    const GuardaErrno guarda;
     if (alvo >= 0) close(alvo);
-    errno = erro;
     return aberto;
 }
 
@@ -92,10 +91,9 @@ bool Gravacao::abre_temporario(const struct stat* velho) {
     if (fd < 0) return false;
     if (!velho || herda(fd, *velho)) stream_.reset(fdopen(fd, "wb"));
     if (stream_) return true;
-    const int erro = errno;
+    const GuardaErrno guarda;
     close(fd);
     unlink(temporario_.c_str());
-    errno = erro;
     return false;
 }
 
@@ -109,9 +107,8 @@ bool Gravacao::conclui() {
     bool feito = fecha_gravado(stream_.release());
     if (!temporario_.empty()) {
         feito = feito && std::rename(temporario_.c_str(), alvo_.c_str()) == 0;
-        const int erro = errno;
+        const GuardaErrno guarda;
         if (!feito) unlink(temporario_.c_str());
-        errno = erro;
     }
     return feito && sincroniza_diretorio_de(alvo_.c_str());
 }

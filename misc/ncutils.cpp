@@ -17,9 +17,8 @@ Stream abre(const char* path, int modo, const char* modo_do_stream) {
     if (fd < 0) return nullptr;
     Stream s(fdopen(fd, modo_do_stream));
     if (s) return s;
-    const int erro = errno;
+    const GuardaErrno guarda;
     close(fd);
-    errno = erro;
     return nullptr;
 }
 
@@ -49,9 +48,8 @@ std::FILE* abre_escrita(const char* path) {
     Stream s = abre(path, O_WRONLY | O_CREAT, "wb");
     // Emptied last, when nothing else can fail. EINVAL: it has no length.
     if (!s || ftruncate(fileno(s.get()), 0) == 0 || errno == EINVAL) return s.release();
-    const int erro = errno;
+    const GuardaErrno guarda;
     s.reset();
-    errno = erro;
     return nullptr;
 }
 

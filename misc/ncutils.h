@@ -16,6 +16,18 @@ struct FechaStream {
 // A stdio stream that is closed when it goes out of scope.
 using Stream = std::unique_ptr<std::FILE, FechaStream>;
 
+// Keeps errno as it is now over what a scope still has to clear away.
+class GuardaErrno {
+  public:
+    GuardaErrno() = default;
+    GuardaErrno(const GuardaErrno&) = delete;
+    GuardaErrno& operator=(const GuardaErrno&) = delete;
+    ~GuardaErrno() { errno = erro_; }
+
+  private:
+    const int erro_ = errno;
+};
+
 // Makes a system call again when a signal interrupted it: `chama` answers as the call does. Not for
 // ever: what is interrupted a thousand times running counts as failed.
 template <class F>
