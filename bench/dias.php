@@ -6,13 +6,13 @@ declare(strict_types=1);
 const DIA = 1773100800;
 
 // Logs of so many messages a day: their directory, the live log, its lines and bytes. Generated once,
-// and anew when the command changes.
-function gera(int $mensagens, int $usuarios, int $dias = 1): array
+// and anew when the command changes. `$opcoes` are more options of the generator.
+function gera(int $mensagens, int $usuarios, int $dias = 1, string ...$opcoes): array
 {
-    $dir = SAIDA . "/logs-$mensagens" . ($dias > 1 ? "x$dias" : '');
+    $dir = SAIDA . "/logs-$mensagens" . ($dias > 1 ? "x$dias" : '') . implode('', $opcoes);
     $comando = [PROGRAMAS . '/gera_logs', $dir, gmdate('Y-m-d', DIA), "--mensagens=$mensagens",
         "--usuarios=$usuarios", '--crlf=0.001', '--estranhas=0.001',
-        ...($dias > 1 ? ["--dias=$dias"] : [])];
+        ...($dias > 1 ? ["--dias=$dias"] : []), ...$opcoes];
     $registro = implode(' ', $comando) . "\n";
     $guardado = @file_get_contents("$dir/gerado.txt");
     if ($guardado === false || !str_starts_with($guardado, $registro)) {
@@ -41,12 +41,20 @@ function arquivo_do_dia(string $dados, string $tipo): string
     return $dados . '/' . gmdate('\r\e\l\s_m-y', DIA) . "/{$tipo}_" . gmdate('d', DIA) . '.txt';
 }
 
+// Consolidates a day and keeps its files for reports; answers their data directory.
+function guarda_dia(array $logs, string $nome): string
+{
+    consolida($logs);
+    executa(['rm', '-rf', SAIDA . "/$nome"]);
+    executa(['cp', '-r', SAIDA . '/dat', SAIDA . "/$nome"]);
+    return SAIDA . "/$nome";
+}
+
 // Consolidates a day into OUT/dia, and makes 30 days of its statistics in OUT/mes.
 function prepara_relatorios(array $logs): void
 {
-    consolida($logs);
-    executa(['rm', '-rf', SAIDA . '/dia', SAIDA . '/mes']);
-    executa(['cp', '-r', SAIDA . '/dat', SAIDA . '/dia']);
+    guarda_dia($logs, 'dia');
+    executa(['rm', '-rf', SAIDA . '/mes']);
     foreach (range(0, 29) as $i) {
         $pasta = SAIDA . '/mes/' . gmdate('\r\e\l\s_m-y', DIA - $i * 86400);
         is_dir($pasta) || mkdir($pasta, 0777, true);
@@ -55,14 +63,14 @@ function prepara_relatorios(array $logs): void
     }
 }
 
-// The id of a message of a local sender in the middle of a compact file, and that sender.
-function mensagem_do_meio(string $compacto): array
+// The local sender of a message in the middle of a compact file.
+function usuario_do_meio(string $compacto): string
 {
     $linhas = new SplFileObject($compacto);
     $linhas->fseek(intdiv(filesize($compacto), 2));
     $linhas->fgets();
     do {
-        [, , $status, $id, $tipo, $usuario] = explode(' ', trim($linhas->fgets())) + array_fill(0, 6, '');
+        [, , $status, , $tipo, $usuario] = explode(' ', trim($linhas->fgets())) + array_fill(0, 6, '');
     } while ($status !== '1' || $tipo !== 'INTERNO');
-    return [$id, $usuario];
+    return $usuario;
 }

@@ -4,7 +4,7 @@
 //     php -n -d extension=PATH bench/mede_relatorio.php REPORT DATA START END [ARGUMENT]
 //
 // Prints, serialised: seconds of CPU a call and the answer (in ISO-8859-1); for the walk also those of
-// the same loop over plain objects.
+// the same loop over plain objects; for traces of several ids, parted by commas, both of each.
 declare(strict_types=1);
 
 require __DIR__ . '/relatorios.php';
@@ -19,14 +19,26 @@ function cpu(): float
 // Median seconds of five calls, and what the last one answered.
 function vezes(callable $chamada): array
 {
-    $segundos = [];
+    $r = em_voltas([$chamada]);
+    return ['cpu' => $r['cpu'][0], 'resposta' => $r['respostas'][0]];
+}
+
+// The same of several calls that take turns, so that a slow moment of the machine is not that of one.
+function em_voltas(array $chamadas): array
+{
+    $segundos = $respostas = [];
     for ($i = 0; $i < 5; ++$i) {
-        $antes = cpu();
-        $resposta = $chamada();
-        $segundos[] = cpu() - $antes;
+        foreach ($chamadas as $qual => $chamada) {
+            $antes = cpu();
+            $respostas[$qual] = $chamada();
+            $segundos[$qual][] = cpu() - $antes;
+        }
     }
-    sort($segundos);
-    return ['cpu' => $segundos[2], 'resposta' => $resposta];
+    $mediana = function (array $s) {
+        sort($s);
+        return $s[2];
+    };
+    return ['cpu' => array_map($mediana, $segundos), 'respostas' => $respostas];
 }
 
 // A row of that report as a plain object, for the loop that the walk is measured against.
@@ -73,7 +85,8 @@ function passeio(string $dados, array $intervalo): array
 $intervalo = [(int) $de, (int) $ate];
 $extra = $argv[5] ?? '';
 echo serialize(match ($que) {
-    'historia' => vezes(fn() => historia($dados, $extra, $intervalo)),
+    'historias' => em_voltas(array_map(fn(string $id) => fn() => historia($dados, $id, $intervalo),
+        explode(',', $extra))),
     'horas' => vezes(fn() => horas($dados, $intervalo)),
     'mensagens' => vezes(fn() => mensagens($dados, $extra, $intervalo)),
     'totais' => vezes(fn() => totais($dados, $intervalo)),

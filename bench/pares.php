@@ -54,10 +54,3 @@ function confere_estatistica(array $logs): void
         iguais("$que, DuckDB", $nossa, estatistica(duckdb('estatistica.sql', $logs['log'])['resposta']));
     }
 }
-
-// What a search for the id shows of a message: who accepted it and when.
-function aceites(string $linhas): array
-{
-    preg_match_all('/^([0-9a-f]+) [12] 2 \S+ (\S+)$/m', $linhas, $m, PREG_SET_ORDER);
-    return array_map(fn($l) => "$l[2] " . hexdec($l[1]), $m);
-}

@@ -11,13 +11,14 @@ function pagina(string $dados): array
     return [$m, new vt_mrel_itr()];
 }
 
-// History of a message: its submission, then a line for each recipient.
+// History of a message: its submission, end and whether it failed, then a line for each recipient.
 function historia(string $dados, string $id, array $intervalo): string
 {
     [$m, $itr] = pagina($dados);
     $m->msg_trace($id, ...[...$intervalo, $itr->getHandle()]);
     $itr->fetch();
-    $texto = "$itr->msg_id $itr->msg_sendername $itr->msg_size $itr->msg_time $itr->msg_end_time\n";
+    $texto = "$itr->msg_id $itr->msg_sendername $itr->msg_size $itr->msg_time $itr->msg_end_time "
+        . "$itr->error\n";
     while ($itr->fetch_recipient()) {
         $texto .= "$itr->recipient_name $itr->recipient_time\n";
     }

@@ -295,13 +295,16 @@ bool LogMailFileParser::Passada::tranquilo() const {
            horas_.mesma(leitor_.primeira(), leitor_.ultima());
 }
 
-// Lets the sieve drop what cannot matter to the traced message as it stands now.
+// Lets the sieve drop what cannot matter to the traced message as it stands now. An acceptance
+// settles the connection error whose text it names; an END makes what pends an error, once.
 void LogMailFileParser::Passada::passa_por_cima() {
     const Msg& m = *par_->m;
     const bool erros = m.error_list.first() != nullptr;
     bool recusado = false;
     for (const RCPTO* r = m.recipients.first(); r && !recusado; r = r->next) recusado = r->error;
-    crivo_.define(erros, !m.error && !m.fatal_error && (erros || recusado));
+    crivo_.define(!m.error && !m.fatal_error && (erros || recusado));
+    for (const ErrorInfo* e = m.error_list.first(); e; e = e->next)
+        if (e->error_type == etCONNECT && e->error) crivo_.espera(e->error);
     leitor_.passa(crivo_);
 }
 

@@ -15,28 +15,43 @@ bool LeitorDeCabecas::converte(const char* digitos) {
     return true;
 }
 
-// cppcheck-suppress uninitMemberVar ; of finais_ only what acha() has just written is read
-Crivo::Crivo(const char* id, time_t fim) : id_(id), tamanho_do_id_(std::strlen(id)), fim_(fim) {
-    const std::size_t n = std::min(tamanho_do_id_, sizeof inicio_do_id_);
-    std::memcpy(&inicio_do_id_, id, n);
-    std::memset(&mascara_do_id_, 0xFF, n);
+Agulha::Agulha(const char* texto) : texto_(texto), tamanho_(std::strlen(texto)) {
+    const std::size_t fim = std::min(tamanho_, alcance);
+    const std::size_t n = std::min(fim, sizeof oito_), falta = sizeof oito_ - n;
+    desvio_ = static_cast<std::ptrdiff_t>(fim) - static_cast<std::ptrdiff_t>(sizeof oito_);
+    std::memcpy(reinterpret_cast<char*>(&oito_) + falta, texto + fim - n, n);
+    std::memset(reinterpret_cast<char*>(&mascara_) + falta, 0xFF, n);
 }
 
-void Crivo::define(bool ve_ok, bool ve_end) {
-    vistos_ = std::uint64_t{ve_ok} << OK | std::uint64_t{ve_end} << END;
+bool Agulha::toda(const char* campo, const char* fim) const {
+    if (fim - campo <= static_cast<std::ptrdiff_t>(tamanho_)) return false;
+    const char depois = campo[tamanho_];
+    return (depois == ' ' || depois == '\n' || depois == '\0') &&
+           std::memcmp(campo, texto_, tamanho_) == 0;
+}
+
+void Crivo::define(bool ve_end) {
+    ve_end_ = ve_end;
+    pendentes_.clear();
+}
+
+// Whether the field behind the id, which begins at `id`, is one of the pending texts.
+inline bool Crivo::nomeia(const char* id, const char* fim) const {
+    static_assert(Agulha::alcance < LeitorLinhas::folga);  // from `fim` + 1 on, at the most
+    const char* campo = id + primeiro_branco(id, static_cast<std::size_t>(fim - id)) + 1;
+    for (const Agulha& a : pendentes_)
+        if (a.igual(campo, fim)) return true;
+    return false;
 }
 
 inline bool Crivo::importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const {
-    // Short ones are left to the reader, so that eight bytes of any id may be looked at.
-    constexpr std::size_t menor = 22;
     Cabeca c;
-    if (n < menor || !cabecas.le(linha, n, c) || c.t > fim_) return true;
-    // Another status with the same low bits is shown for nothing; none is written.
-    if (vistos_ >> (c.status & 63) & 1) return true;
-    const char* id = linha + c.id;
-    if ((oito_bytes(id) ^ inicio_do_id_) & mascara_do_id_) return false;
-    // The line's own id, and at least one byte behind it.
-    return n - c.id > tamanho_do_id_ && std::memcmp(id, id_, tamanho_do_id_) == 0;
+    if (!cabecas.le(linha, n, c) || c.t > fim_) return true;
+    if (ve_end_ && c.status == END) return true;
+    const char *id = linha + c.id, *fim = linha + n;
+    if (id_.igual(id, fim)) return true;
+    // The status is asked last: the name hardly ever fits, but every other line is an OK.
+    return !pendentes_.empty() && nomeia(id, fim) && c.status == OK;
 }
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {

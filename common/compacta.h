@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
+#include <vector>
 
 #include "common/Tabela.h"
 #include "misc/bytes.h"
@@ -68,31 +69,62 @@ class LeitorDeCabecas {
     time_t t_ = 0;
 };
 
+// A text that fields are compared with: eight of its bytes first, all at once, and the rest only
+// where these agree. Which eight: its last, since the ids of one hour begin alike, as far as they
+// lie within `alcance`.
+class Agulha {
+  public:
+    // Bytes from where a field begins that are looked at without asking where its line ends.
+    static constexpr std::size_t alcance = 40;
+
+    // `texto` must outlive the needle.
+    explicit Agulha(const char* texto);
+
+    // Whether the field that begins at `campo` is the text. Its line ends before `fim`; the eight
+    // bytes before the field and those of its reach can be read, whatever they are.
+    bool igual(const char* campo, const char* fim) const {
+        return ((oito_bytes(campo + desvio_) ^ oito_) & mascara_) == 0 && toda(campo, fim);
+    }
+
+  private:
+    bool toda(const char* campo, const char* fim) const;
+
+    const char* texto_;
+    std::size_t tamanho_;
+    std::ptrdiff_t desvio_;   // from the field to the eight bytes; negative for a shorter text
+    std::uint64_t oito_ = 0;  // the text's bytes among them, and which they are
+    std::uint64_t mascara_ = 0;
+};
+
 // Which lines may be passed over in a trace. To the traced message matter its own lines; those
 // after the end of the range, since they stop the file; those with fewer than four fields, which
-// hit whatever message is traced; and, while it has something pending, the OK or END of any
-// message.
+// hit whatever message is traced; the OK of any message that names what is pending; and, as long as
+// that would make it fail, the END of any message.
 class Crivo {
   public:
-    // `id` and `fim` (the last second of the range) must outlive the sieve.
-    Crivo(const char* id, time_t fim);
+    // `id` must outlive the sieve; `fim` is the last second of the range.
+    // cppcheck-suppress uninitMemberVar ; of finais_ only what acha() has just written is read
+    Crivo(const char* id, time_t fim) : id_(id), fim_(fim) {}
 
-    // What is pending: OK and END lines of other messages must be seen, or need not.
-    void define(bool ve_ok, bool ve_end);
+    // Nothing is pending; the END of another message must be seen, or need not.
+    void define(bool ve_end);
+    // Something is pending: the OK that names `texto` must be seen, until the next define(). The
+    // text must stay until then.
+    void espera(const char* texto) { pendentes_.emplace_back(texto); }
 
     // Bytes of whole lines at the start of [p, p + n) that do not matter; none is longer than
     // `maior_linha`. The last lines may be left to the next time, with more behind them.
+    // LeitorLinhas::folga bytes behind all can be read.
     std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
 
   private:
     bool importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const;
+    bool nomeia(const char* id, const char* fim) const;
 
-    const char* id_;
-    std::size_t tamanho_do_id_;
-    std::uint64_t inicio_do_id_ = 0;  // its first bytes, eight at most, and which of eight they are
-    std::uint64_t mascara_do_id_ = 0;
+    Agulha id_;
     time_t fim_;
-    std::uint64_t vistos_ = 0;  // a bit for each status that must be seen
+    bool ve_end_ = false;
+    std::vector<Agulha> pendentes_;
     FinaisDeLinha finais_;
 };
 

@@ -37,6 +37,8 @@ int main(int argc, char** argv) {
     app.add_option("--mensagens", p.mensagens, "messages submitted a day");
     app.add_option("--usuarios", p.usuarios, "local users")->check(CLI::Range(1, 100000000));
     app.add_option("--semente", p.semente, "seed");
+    app.add_option("--inicio-dos-ids", p.inicio_dos_ids,
+                   "what all ids begin with, at most 8 characters; empty: their time");
     app.add_option("--rotacao", rotacao, "a file a day (dia), one file (nenhuma), or lines a file")
         ->check(CLI::Validator(confere_rotacao, "dia|nenhuma|LINES"));
     app.add_flag("--sem-travessia", sem_travessia, "nothing is in flight at midnight");

@@ -154,6 +154,9 @@ class Gerador {
 }  // namespace
 
 Resumo gera(const Parametros& parametros) {
+    const std::string& inicio = parametros.inicio_dos_ids;
+    if (inicio.size() > 8 || inicio.find(' ') != std::string::npos)
+        throw std::invalid_argument("not the beginning of an id: " + inicio);
     if (parametros.usuarios == 0) throw std::invalid_argument("no users");
     return Gerador(parametros).gera();
 }

@@ -37,6 +37,7 @@ struct Parametros {
     unsigned mensagens = 20000;  // submitted each day, exactly
     unsigned usuarios = 400;     // local users; the outside correspondents are three times as many
     std::uint64_t semente = 1;
+    std::string inicio_dos_ids;  // what all ids begin with, at most 8 characters; "": their time
 
     double spam = 0.06;
     double virus = 0.004;

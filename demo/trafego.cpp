@@ -44,19 +44,23 @@ const std::vector<Trafego::Evento>& Trafego::mensagem(std::time_t t, std::time_t
     return eventos_;
 }
 
+// Makes the id: its beginning, then digits. An odd factor makes each number another id.
+void Trafego::nomeia(std::time_t t) {
+    char hora[16], digitos[32];
+    std::snprintf(hora, sizeof hora, "%06X", static_cast<unsigned>(t >> 8) & 0xFFFFFF);
+    std::snprintf(digitos, sizeof digitos, "%016llX",
+                  static_cast<unsigned long long>(++numero_ * 0x9E3779B97F + p_.semente));
+    id_ = p_.inicio_dos_ids.empty() ? hora : p_.inicio_dos_ids;
+    id_ += digitos + id_.size();
+}
+
 // Draws the message's features and writes its submission.
 void Trafego::nova(std::time_t t) {
     eventos_.clear();
     relogio_ = t;
     tentativas_ = 0;
 
-    // An odd factor makes each number another id; ids of one time share their beginning.
-    constexpr std::uint64_t quarenta_bits = (std::uint64_t{1} << 40) - 1;
-    const std::uint64_t serie = (++numero_ * 0x9E3779B97F + p_.semente) & quarenta_bits;
-    char id[32];
-    std::snprintf(id, sizeof id, "%06X%010llX", static_cast<unsigned>(t >> 8) & 0xFFFFFF,
-                  static_cast<unsigned long long>(serie));
-    id_ = id;
+    nomeia(t);
     const unsigned processo = sorte_.ate(100);
     processo_ = {static_cast<char>('0' + processo / 10), static_cast<char>('0' + processo % 10),
                  ' '};

@@ -48,6 +48,7 @@ class Trafego {
     static constexpr std::time_t prazo = 5 * 86400;
 
   private:
+    void nomeia(std::time_t t);
     void nova(std::time_t t);
     void evento(std::string_view agente_status, std::string_view resto);
     void erro(const TipoErro& tipo);

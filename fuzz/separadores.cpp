@@ -67,8 +67,12 @@ void confere_marcas(const std::string& bytes) {
     for (std::size_t i = 0; i < n; i += 29)
         for (const std::size_t m : {std::size_t{1}, std::size_t{17}, std::size_t{64}})
             if (i + m <= n) exige(marcas(&texto[i], m) == marcas_uma_a_uma(&texto[i], m), "marcas");
-    for (std::size_t i = 0; i + 64 <= n; i += 13)
+    for (std::size_t i = 0; i + 64 <= n; i += 13) {
         exige(finais(&texto[i]) == finais_um_a_um(&texto[i]), "finais");
+        for (const std::size_t m : {i % 33, n - i})
+            exige(primeiro_branco(&texto[i], m) == primeiro_branco_um_a_um(&texto[i], m),
+                  "primeiro_branco");
+    }
     for (std::size_t i = 0; i + Cortes::maior <= n; i += 17)
         confere_cortes(bytes.substr(i, Cortes::maior));
     std::string curtos = bytes.substr(0, Cortes::maior);

@@ -51,6 +51,31 @@ inline bool tem_nul(const char* p, std::size_t n) {
 }
 #endif
 
+// Where the first blank stands among the `n` bytes at `p`; `n` when there is none. 32 bytes can be
+// read, whatever `n` is: how long a short text is cannot be foreseen, so it is not asked.
+inline std::size_t primeiro_branco_um_a_um(const char* p, std::size_t n) {
+    const void* b = std::memchr(p, ' ', n);
+    return b ? static_cast<std::size_t>(static_cast<const char*>(b) - p) : n;
+}
+
+#ifdef __SSE2__
+inline std::size_t primeiro_branco(const char* p, std::size_t n) {
+    const auto brancos = [](const char* q) {
+        const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
+        const int m = _mm_movemask_epi8(_mm_cmpeq_epi8(texto, _mm_set1_epi8(' ')));
+        return static_cast<std::uint64_t>(static_cast<unsigned>(m));
+    };
+    const std::uint64_t fim = std::uint64_t{1} << (n < 32 ? n : 32);
+    const auto i =
+        static_cast<unsigned>(std::countr_zero(brancos(p) | brancos(p + 16) << 16 | fim));
+    return i < 32 ? i : 32 + primeiro_branco_um_a_um(p + 32, n - 32);
+}
+#else
+inline std::size_t primeiro_branco(const char* p, std::size_t n) {
+    return primeiro_branco_um_a_um(p, n);
+}
+#endif
+
 // Whether the `n` bytes at `a` and at `b` are the same: for keys, which are short.
 inline bool mesmos_bytes(const char* a, const char* b, std::size_t n) {
     if (n < 8) return std::memcmp(a, b, n) == 0;

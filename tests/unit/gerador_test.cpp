@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "tests/unit/apoio/arvore.h"
@@ -111,6 +113,21 @@ TEST_F(GeradorLogs, MidnightFindsMessagesInFlightOnlyWhenAllowed) {
     }
 }
 
+TEST_F(GeradorLogs, IdsMayBeginAlikeAndStayDifferent) {
+    for (const char* inicio : {"", "ABC", "69AF5F00"}) {
+        p_.inicio_dos_ids = inicio;
+        std::set<std::string> ids;
+        para_cada_linha(gera(), [&](const std::string& l, long) {
+            if (l.find(" SUBMIT ") == std::string::npos) return;
+            const std::size_t id = l.find(" Msg ") + 5;
+            EXPECT_EQ(l.compare(id, std::strlen(inicio), inicio), 0) << l;
+            EXPECT_EQ(l.find(' ', id), id + 16) << l;
+            ids.insert(l.substr(id, 16));
+        });
+        EXPECT_EQ(ids.size(), p_.mensagens);
+    }
+}
+
 TEST_F(GeradorLogs, RotatedPiecesAreTheLogCutAtLineEnds) {
     p_.dias = 2;
     p_.rotacao = gerador::rotacao_nenhuma;
@@ -131,6 +148,11 @@ TEST_F(GeradorLogs, RefusesWhatMakesNoSense) {
     for (const char* dia : {"2026-02-30", "2026-3-10", "hoje", "2026-03-10x"}) {
         p_.primeiro_dia = dia;
         EXPECT_THROW(gera(), std::invalid_argument) << dia;
+    }
+    p_.primeiro_dia = "2026-03-10";
+    for (const char* inicio : {"123456789", "a b"}) {
+        p_.inicio_dos_ids = inicio;
+        EXPECT_THROW(gera(), std::invalid_argument) << inicio;
     }
 }
 
