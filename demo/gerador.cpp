@@ -155,6 +155,8 @@ class Gerador {
 
 Resumo gera(const Parametros& parametros) {
     if (parametros.usuarios == 0) throw std::invalid_argument("no users");
+    if ((parametros.nomes_externos == 0) != (parametros.dominios_externos == 0))
+        throw std::invalid_argument("outside names and domains only together");
     return Gerador(parametros).gera();
 }
 
