@@ -118,7 +118,7 @@ int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const 
     Msg* m = msg_ou_nova(id, hora_da_linha());
     m->size = static_cast<std::uint32_t>(decimal32(tamanho));
     m->sender = u;
-    m->define_remetente(texto_de(remetente));
+    m->define_remetente(u ? u->nome() : texto_de(remetente));
     if (interno) m->int_user = true;
     return 1;
 }

@@ -39,7 +39,8 @@ int main(int argc, char** argv) {
     app.add_option("--destinatarios", p.destinatarios,
                    "recipients of each message, names that never repeat; 0: few, who repeat")
         ->check(CLI::Range(0, 1000));
-    const auto de_fora = [&app](const std::string& nome, unsigned& valor, const std::string& texto) {
+    const auto de_fora = [&app](const std::string& nome, unsigned& valor,
+                                const std::string& texto) {
         return app.add_option("--" + nome, valor, texto)->check(CLI::Range(0, 1000000));
     };
     auto* nomes = de_fora("nomes-externos", p.nomes_externos,
