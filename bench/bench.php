@@ -50,7 +50,10 @@ $pequeno = gera(80, 40);
 $menor = gera(100000, 2000);
 $dia = gera(200000, 2000);
 $maior = gera(1000000, 2000);
-array_map('confere_estatistica', [$pequeno, $menor, $dia, $maior]);
+// Ten recipients a message, every one a new name; outside senders who hardly ever repeat.
+$nomes = gera(100000, 2000, 1, '-names', '--destinatarios=10', '--so-entregas');
+$de_fora = gera(1000000, 5000, 1, '-senders', '--nomes-externos=5000', '--dominios-externos=6000');
+array_map('confere_estatistica', [$pequeno, $menor, $dia, $maior, $nomes, $de_fora]);
 
 prepara_relatorios($dia);
 $compacto = arquivo_do_dia(SAIDA . '/dia', 'compact_mail');
@@ -85,6 +88,8 @@ $m = mede_rodadas([
     '100k' => fn() => consolida($menor),
     '1M' => fn() => consolida($maior),
     'day' => fn() => consolida($dia),
+    'names' => fn() => consolida($nomes),
+    'senders' => fn() => consolida($de_fora),
     'wc' => fn() => mede(['wc', '-l', $dia['log']]),
     'mawk' => fn() => mede(mawk('estatistica.awk', $dia['log'])),
     'duckdb' => fn() => PARES ? duckdb('estatistica.sql', $dia['log']) : [],
@@ -99,7 +104,11 @@ $m['loop']['cpu'] = $m['walk']['cpu_simples'];
 $expoente = mediana(array_map(fn(float $a, float $b) => log($b / $a), $m['100k']['cpu'], $m['1M']['cpu']))
     / log($maior['linhas'] / $menor['linhas']);
 $pico = mediana($m['1M']['pico']);
-$por_mensagem = ($pico - mediana($m['small']['pico'])) / $maior['mensagens'];
+$guardado = fn(string $que) => mediana($m[$que]['pico']) - mediana($m['small']['pico']);
+$por_mensagem = $guardado('1M') / $maior['mensagens'];
+$pico_nomes = mediana($m['names']['pico']);
+$por_nome = $guardado('names') / ($nomes['mensagens'] * 10);
+$por_remetente = $guardado('senders') / $de_fora['mensagens'];
 $wc = razao($m['day']['cpu'], $m['wc']['cpu']);
 $rg = razao($m['trace']['cpu'], $m['rg']['cpu']);
 $mes = mediana($m['month']['cpu']) * 1e3;
@@ -117,6 +126,11 @@ $alvos = [
     linha('memory per message held; peak at 1,000,000 messages a day', 'at most 210 bytes; 230 MiB',
         sprintf('%.0f bytes; %.0f MiB', $por_mensagem, $pico / 1048576),
         $por_mensagem <= 210 && $pico <= 230 * 1048576),
+    linha('1,000,000 names in a day, ten recipients a message: peak; memory per name', 'at most 250 MiB; 250 bytes',
+        sprintf('%.0f MiB; %.0f bytes', $pico_nomes / 1048576, $por_nome),
+        $pico_nomes <= 250 * 1048576 && $por_nome <= 250),
+    linha('memory per message held when outside senders never repeat, 1,000,000 messages a day',
+        'at most 200 bytes', sprintf('%.1f bytes', $por_remetente), $por_remetente <= 200),
     linha(sprintf('trace of one id over a %.0f MB compact file against `rg` for the id', filesize($compacto) / 1e6),
         'at most 1.0 times its CPU', sprintf('%.2f times', $rg), $rg <= 1),
     mais_rapido('hours of a day against mawk; against DuckDB', 'at least 18 times; 13 times faster', [18, 13],

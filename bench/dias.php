@@ -6,13 +6,13 @@ declare(strict_types=1);
 const DIA = 1773100800;
 
 // Logs of so many messages a day: their directory, the live log, its lines and bytes. Generated once,
-// and anew when the command changes.
-function gera(int $mensagens, int $usuarios, int $dias = 1): array
+// and anew when the command changes. Days of another shape have a name, and options of the generator.
+function gera(int $mensagens, int $usuarios, int $dias = 1, string $nome = '', string ...$opcoes): array
 {
-    $dir = SAIDA . "/logs-$mensagens" . ($dias > 1 ? "x$dias" : '');
+    $dir = SAIDA . "/logs-$mensagens" . ($dias > 1 ? "x$dias" : '') . $nome;
     $comando = [PROGRAMAS . '/gera_logs', $dir, gmdate('Y-m-d', DIA), "--mensagens=$mensagens",
         "--usuarios=$usuarios", '--crlf=0.001', '--estranhas=0.001',
-        ...($dias > 1 ? ["--dias=$dias"] : [])];
+        ...($dias > 1 ? ["--dias=$dias"] : []), ...$opcoes];
     $registro = implode(' ', $comando) . "\n";
     $guardado = @file_get_contents("$dir/gerado.txt");
     if ($guardado === false || !str_starts_with($guardado, $registro)) {

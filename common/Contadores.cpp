@@ -56,7 +56,7 @@ std::uint32_t* soma(std::uint32_t* a, std::uint32_t periodo, std::uint32_t n, bo
     if (n == 0) return a;
     if (a == zeros()) {
         Bloco*& r = recente(periodo, n);
-        if (r && r->periodo == periodo && r->valores[periodo] == n) {
+        if (r && r->valores[periodo] == n) {
             ++r->donos;
         } else {
             r = novo();
