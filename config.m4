@@ -15,6 +15,7 @@ if test "$PHP_VT_MREL" != "no"; then
     borland/XmlValueStore.cpp
     borland/vtstring.cpp
     borland/vtstringlist.cpp
+    common/Contadores.cpp
     common/Evento.cpp
     common/LogFileParser.cpp
     common/LogFileParser_entrada.cpp
@@ -32,6 +33,7 @@ if test "$PHP_VT_MREL" != "no"; then
     common/Msg.cpp
     common/Reserva.cpp
     common/Tabela.cpp
+    common/Texto.cpp
     common/Trabalho.cpp
     common/Usuario.cpp
     common/auxiliar.cpp

@@ -112,8 +112,8 @@ class LogMailFileParser : public LogFileParser {
     // False, and *fp null, when that fails.
     bool createFile(std::FILE** fp, const char* prefix);
 
-    // Days: the day files of a range, [start, end] in Unix seconds (_leitura.cpp). Fills `files` with
-    // the paths of one file each 86400 s from `start` while not later than `end`, by UTC; the
+    // Days: the day files of a range, [start, end] in Unix seconds (_leitura.cpp). Fills `files`
+    // with the paths of one file each 86400 s from `start` while not later than `end`, by UTC; the
     // caller gives (end - start) / 86400 + 2 entries with null paths and frees the paths (new
     // char[]).
     void getFiles(InputFiles* files, const char* prefix, time_t start, time_t end);

@@ -126,7 +126,7 @@ int LogMailFileParser::mailq_submit(Hora h, const Chave& id, Texto tipo, const C
     Msg* m = msg_ou_nova(id, h.t);
     m->size = static_cast<std::uint32_t>(decimal32(tamanho.data()));
     m->sender = u;
-    m->define_remetente(texto_de(remetente));
+    m->define_remetente(u ? u->nome() : texto_de(remetente));
     if (interno) m->int_user = true;
     return 1;
 }

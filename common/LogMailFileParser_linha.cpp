@@ -135,10 +135,13 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
         if (e.usuario()) Lista_usu.antecipa(e.endereco().hash);
     }
     // Users alone: the messages of these lines were mostly met a moment ago.
+    const Usuario* usuarios[maior_lote];
+    std::size_t num_usuarios = 0;
     for (std::size_t i = 0; i < n; ++i)
         if (lote_[i].usuario())
             if (const Usuario* u = Lista_usu.provavel(lote_[i].endereco().hash))
-                u->busca(last_period);
+                __builtin_prefetch(usuarios[num_usuarios++] = u);
+    for (std::size_t i = 0; i < num_usuarios; ++i) usuarios[i]->busca(last_period);
 }
 
 int LogMailFileParser::parser() {

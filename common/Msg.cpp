@@ -25,7 +25,7 @@ Msg::Msg(const char* id_, time_t inicio) : start_time(inicio) {
 Msg::~Msg() {
     apaga_todos(recipients);
     apaga_todos(error_list);
-    if (sendername != remetente_.texto()) delete[] sendername;
+    TextoPartilhado::solta(sendername);
 }
 
 void Msg::define_remetente(const char* nome) {
@@ -33,9 +33,7 @@ void Msg::define_remetente(const char* nome) {
 }
 
 void Msg::define_remetente(TextoPartilhado nome) {
-    if (sendername != remetente_.texto()) delete[] sendername;
-    remetente_ = std::move(nome);
-    sendername = remetente_.texto();
+    TextoPartilhado::solta(std::exchange(sendername, nome.larga()));
 }
 
 RCPTO* Msg::addRecipient(const char* nome) {

@@ -50,14 +50,13 @@ struct ErrorInfo {
 class Msg {
   public:
     Msg *next = nullptr, *prev = nullptr;
-    char id[24] = {};  // dispatcher's message id, cut to 23 characters
-    char* sendername =
-        nullptr;  // owned, perhaps with others; the sender as logged, null until known
-    Usuario* sender = nullptr;  // the sender's record when he is a local user; not owned
-    DList<RCPTO> recipients;    // in order of addition
-    std::uint32_t tries = 0;    // delivery attempts seen this day
-    std::uint32_t size = 0;     // bytes
-    bool sent = false;          // a recipient accepted it
+    char id[24] = {};            // dispatcher's message id, cut to 23 characters
+    char* sendername = nullptr;  // the sender as logged, null until known; define_remetente sets it
+    Usuario* sender = nullptr;   // the sender's record when he is a local user; not owned
+    DList<RCPTO> recipients;     // in order of addition
+    std::uint32_t tries = 0;     // delivery attempts seen this day
+    std::uint32_t size = 0;      // bytes
+    bool sent = false;           // a recipient accepted it
     bool spam = false;
     bool virus = false;
     bool att_blocked = false;
@@ -79,8 +78,8 @@ class Msg {
     static void* operator new(std::size_t n);
     static void operator delete(void* p, std::size_t n) noexcept;
 
-    // Replaces the sender's text by a copy of `nome` (null: unknown), or by a text that other
-    // messages hold too.
+    // Replaces the sender's text by a copy of `nome` (null: unknown), or by a text that others hold
+    // too. Nobody else sets or frees it.
     void define_remetente(const char* nome);
     void define_remetente(TextoPartilhado nome);
 
@@ -102,9 +101,6 @@ class Msg {
     int remove_error(ErrorInfo* e);
     // Removes what procurar_erro finds; always 1.
     int remove_error(ErrorType tipo, const char* texto);
-
-  private:
-    TextoPartilhado remetente_;  // what sendername names, unless it was set from outside
 };
 
 inline const char* chave(const Msg& m) {

@@ -12,18 +12,13 @@ struct alignas(64) Reserva::Bloco {
     Livre* livres;          // places given back
     char* intocado;         // from here on nothing was handed out yet
     std::size_t tomados;
-
-    bool cheio(std::size_t tamanho) const {
-        return !livres && intocado + tamanho > reinterpret_cast<const char*>(this) + bloco;
-    }
 };
 
 namespace {
 
-// A multiple of the block's size, aligned to it.
-char* mapeia(std::size_t n, bool paginas_grandes) {
+// `n` bytes, a multiple of the block's size, aligned to it.
+char* mapeia(std::size_t n, std::size_t bloco, bool paginas_grandes) {
     // One block more holds an aligned part; what stands before and behind it is given back.
-    constexpr std::size_t bloco = Reserva::bloco;
     void* mapa =
         mmap(nullptr, n + bloco, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapa == MAP_FAILED) throw std::bad_alloc();
@@ -36,16 +31,20 @@ char* mapeia(std::size_t n, bool paginas_grandes) {
     return alinhado;
 }
 
+constexpr std::size_t em_blocos(std::size_t n) {
+    return (n + Reserva::bloco - 1) / Reserva::bloco * Reserva::bloco;
+}
+
 }  // namespace
 
 void* toma_zerada(std::size_t n) {
-    if (n % Reserva::bloco == 0) return mapeia(n, true);
+    if (n >= Reserva::bloco) return mapeia(em_blocos(n), Reserva::bloco, true);
     if (void* p = std::calloc(n, 1)) return p;
     throw std::bad_alloc();
 }
 
 void devolve_zerada(void* p, std::size_t n) noexcept {
-    n % Reserva::bloco == 0 ? static_cast<void>(munmap(p, n)) : std::free(p);
+    n >= Reserva::bloco ? static_cast<void>(munmap(p, em_blocos(n))) : std::free(p);
 }
 
 void* Reserva::toma() {
@@ -58,29 +57,33 @@ void* Reserva::toma() {
         b->intocado += tamanho_;
     }
     ++b->tomados;
-    if (b->cheio(tamanho_)) tira(b);
+    if (cheio(b)) tira(b);
     return lugar;
 }
 
 void Reserva::devolve(void* lugar) noexcept {
     if (!lugar) return;
-    const std::size_t no_bloco = reinterpret_cast<std::uintptr_t>(lugar) % bloco;
+    const std::size_t no_bloco = reinterpret_cast<std::uintptr_t>(lugar) & (bytes_ - 1);
     Bloco* b = reinterpret_cast<Bloco*>(static_cast<char*>(lugar) - no_bloco);
-    if (b->cheio(tamanho_)) poe(b);
+    if (cheio(b)) poe(b);
     b->livres = new (lugar) Livre{b->livres};
     if (--b->tomados != 0) return;
     tira(b);
-    munmap(b, bloco);
+    munmap(b, bytes_);
     --blocos_;
 }
 
 Reserva::Bloco* Reserva::abre() {
-    char* b = mapeia(bloco, blocos_ != 0);
+    char* b = mapeia(bytes_, bytes_, blocos_ != 0 && bytes_ == bloco);
     ++blocos_;
     Bloco* novo = new (b) Bloco{};
     novo->intocado = b + sizeof(Bloco);
     poe(novo);
     return novo;
+}
+
+bool Reserva::cheio(const Bloco* b) const {
+    return !b->livres && b->intocado + tamanho_ > reinterpret_cast<const char*>(b) + bytes_;
 }
 
 void Reserva::tira(Bloco* b) {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <new>
 
-// Zeroed memory for a large array, from the system and on large pages where it fills one; a small
-// one comes from the general allocator. Throws std::bad_alloc.
+// Zeroed memory for a large array, from the system and on large pages, which it fills but for the
+// last; one that fills none comes from the general allocator. Throws std::bad_alloc.
 void* toma_zerada(std::size_t n);
 // Takes back what toma_zerada(n) gave.
 void devolve_zerada(void* p, std::size_t n) noexcept;
@@ -30,9 +30,12 @@ class Reserva {
     static constexpr bool usada = true;
 #endif
 
-    constexpr explicit Reserva(std::size_t tamanho) : tamanho_(tamanho) {}
+    // For places of `tamanho` bytes, in blocks of `bytes`, a power of two up to `bloco`.
+    constexpr explicit Reserva(std::size_t tamanho, std::size_t bytes = bloco)
+        : tamanho_(tamanho), bytes_(bytes) {}
 
-    // A place for one record, aligned for any. Throws std::bad_alloc.
+    // A place for one record, aligned for any whose size is a multiple of its alignment. Throws
+    // std::bad_alloc.
     void* toma();
     // Takes back a place that toma() gave.
     void devolve(void* lugar) noexcept;
@@ -63,7 +66,9 @@ class Reserva {
     void tira(Bloco* b);
     void poe(Bloco* b);
 
-    std::size_t tamanho_;
+    bool cheio(const Bloco* b) const;
+
+    std::size_t tamanho_, bytes_;
     std::size_t blocos_ = 0;
     Bloco* com_lugar_ = nullptr;  // the blocks with a free place
 };

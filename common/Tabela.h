@@ -178,8 +178,9 @@ class Tabela {
 
   private:
     // A place of the index; free when `e` is null. An element stands at its hash's place or, past
-    // an unbroken row of others, behind it. Of equal hashes the newest stands first.
-    struct Vaga {
+    // an unbroken row of others, behind it. Of equal hashes the newest stands first. Packed, since
+    // places are a fifth of what a day's messages hold: 12 bytes where pointers have 8.
+    struct [[gnu::packed, gnu::aligned(4)]] Vaga {
         T* e;
         std::uint32_t hash;
     };
@@ -196,7 +197,11 @@ class Tabela {
     void indexa_primeiro(T* e, std::uint32_t hash) {
         std::size_t i = hash & mascara_;
         for (; vagas_[i].e; i = seguinte(i))
-            if (vagas_[i].hash == hash) std::swap(vagas_[i].e, e);
+            if (vagas_[i].hash == hash) {
+                T* const mais_antigo = vagas_[i].e;
+                vagas_[i].e = e;
+                e = mais_antigo;
+            }
         vagas_[i] = {e, hash};
     }
 

@@ -19,44 +19,69 @@ inline char* copia_texto(const char* texto) {
 }
 
 // A text that several records of one thread hold together; freed with the last of them. A few heavy
-// senders write most of a day's messages.
+// senders write most of a day's messages. The text lies behind its header, so a record may keep its
+// bare address, which reads as C text: `larga` gives it, and who has it owes it a `solta`.
 class TextoPartilhado {
   public:
     TextoPartilhado() = default;
-    // A new copy of `n` bytes.
+    // A new copy of `n` bytes. Throws std::bad_alloc.
     TextoPartilhado(const char* texto, std::size_t n)
-        : dados_(new (::operator new(sizeof(Dados) + n + 1)) Dados{1, n}) {
-        std::memcpy(this->texto(), texto, n);
-        this->texto()[n] = '\0';
+        : texto_(static_cast<char*>(toma(sizeof(Dados) + n + 1)) + sizeof(Dados)) {
+        new (dados(texto_)) Dados{1, static_cast<std::uint32_t>(n)};
+        std::memcpy(texto_, texto, n);
+        texto_[n] = '\0';
     }
     // cppcheck-suppress copyCtorPointerCopying ; to share is the purpose
-    TextoPartilhado(const TextoPartilhado& outro) : dados_(outro.dados_) {
-        if (dados_) ++dados_->donos;
+    TextoPartilhado(const TextoPartilhado& outro) : texto_(outro.texto_) {
+        if (texto_) ++dados(texto_)->donos;
     }
-    TextoPartilhado(TextoPartilhado&& outro) noexcept
-        : dados_(std::exchange(outro.dados_, nullptr)) {}
+    TextoPartilhado(TextoPartilhado&& outro) noexcept : texto_(outro.larga()) {}
     TextoPartilhado& operator=(TextoPartilhado outro) {
-        std::swap(dados_, outro.dados_);
+        std::swap(texto_, outro.texto_);
         return *this;
     }
-    ~TextoPartilhado() {
-        if (dados_ && --dados_->donos == 0) ::operator delete(dados_);
-    }
+    ~TextoPartilhado() { solta(texto_); }
 
     // Whether it is this text of `n` bytes.
     bool igual(const char* texto, std::size_t n) const {
-        return dados_ && dados_->tamanho == n && mesmos_bytes(this->texto(), texto, n);
+        return texto_ && tamanho(texto_) == n && mesmos_bytes(texto_, texto, n);
     }
 
     // The text, which may not be changed; null when there is none.
-    char* texto() const { return dados_ ? reinterpret_cast<char*>(dados_ + 1) : nullptr; }
+    char* texto() const { return texto_; }
+
+    // The same, no longer held by this object but by who asked.
+    char* larga() noexcept { return std::exchange(texto_, nullptr); }
+
+    // Of an address that `larga` gave, or null: holds the text as well; its length (0); ends what
+    // `larga` began.
+    static TextoPartilhado de(char* largado) {
+        TextoPartilhado t;
+        if (largado) ++dados(largado)->donos;
+        t.texto_ = largado;
+        return t;
+    }
+    static std::size_t tamanho(const char* largado) {
+        return largado ? dados(largado)->tamanho : 0;
+    }
+    static void solta(char* largado) noexcept {
+        if (largado && --dados(largado)->donos == 0)
+            devolve(dados(largado), sizeof(Dados) + tamanho(largado) + 1);
+    }
 
   private:
     struct Dados {
-        std::uint32_t donos;
-        std::size_t tamanho;
+        std::uint32_t donos, tamanho;
     };
-    Dados* dados_ = nullptr;
+    static Dados* dados(char* texto) { return reinterpret_cast<Dados*>(texto) - 1; }
+    static const Dados* dados(const char* texto) {
+        return reinterpret_cast<const Dados*>(texto) - 1;
+    }
+    // Memory of `n` bytes (Texto.cpp).
+    static void* toma(std::size_t n);
+    static void devolve(void* p, std::size_t n) noexcept;
+
+    char* texto_ = nullptr;
 };
 
 // Reads as C text and costs its kilobyte only once written: a day keeps up to a million

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
+#include <iterator>
+#include <utility>
 
 #include "common/Reserva.h"
-#include "common/Texto.h"
 
 static constinit thread_local Reserva reserva(sizeof(Usuario));
 
@@ -18,31 +18,44 @@ void Usuario::operator delete(void* p, std::size_t n) noexcept {
     reserva.apaga(p, n);
 }
 
-// cppcheck-suppress uninitMemberVar ; the loop sets the pointers, reset_vars() what they point to
-Usuario::Usuario(const char* nome, unsigned periodos) : num_periods(periodos ? periodos : 24) {
-    std::unique_ptr<std::uint32_t[]> grande;
-    if (num_periods > periodos_usuais_)
-        grande = std::make_unique_for_overwrite<std::uint32_t[]>(contadores_ * num_periods);
-    tamanho_do_nome_ = nome ? std::strlen(nome) : 0;
-    const std::size_t n = nome ? tamanho_do_nome_ + 1 : 0;
-    name = n > sizeof nome_ ? copia_texto(nome) : nome ? nome_ : nullptr;
-    if (name == nome_) std::memcpy(nome_, nome, n);
-    sent = grande ? grande.release() : bloco_;
-    std::uint32_t* p = sent;
-    for (std::uint32_t** contadores :
-         {&recv, &bytes_sent, &bytes_recv, &virus, &spam, &error, &att_blocked})
-        *contadores = p += num_periods;
-    reset_vars();
+// cppcheck-suppress uninitMemberVar ; the loop sets the arrays
+Usuario::Usuario(const char* nome, unsigned periodos)
+    : num_periods(periodos ? periodos : contadores::periodos) {
+    TextoPartilhado texto;
+    if (nome) texto = TextoPartilhado(nome, std::strlen(nome));
+    std::uint32_t* bloco = nullptr;
+    if (em_um_bloco()) {
+        bloco = new std::uint32_t[std::size(arrays_) * num_periods]();
+        proprios_ = 0xFF;
+    }
+    for (std::size_t i = 0; i < std::size(arrays_); ++i)
+        this->*arrays_[i] = bloco ? bloco + i * num_periods : contadores::zeros();
+    name = texto.larga();
 }
 
 Usuario::~Usuario() {
-    if (sent != bloco_) delete[] sent;
-    if (name != nome_) delete[] name;
+    TextoPartilhado::solta(name);
+    if (em_um_bloco())
+        delete[] sent;
+    else
+        for (const auto a : arrays_) contadores::solta(this->*a);
 }
 
 void Usuario::reset_vars() {
-    std::fill_n(sent, contadores_ * num_periods, 0u);
     msgs_reference = 0;
+    if (em_um_bloco()) {
+        std::fill_n(sent, std::size(arrays_) * num_periods, 0u);
+        return;
+    }
+    for (const auto a : arrays_) contadores::solta(std::exchange(this->*a, contadores::zeros()));
+    proprios_ = 0;
+}
+
+void Usuario::soma_ao_comum(InfoType qual, unsigned periodo, std::uint32_t n) {
+    std::uint32_t*& a = this->*arrays_[qual];
+    bool proprio = false;
+    a = contadores::soma(a, periodo, n, proprio);
+    proprios_ = static_cast<std::uint8_t>(proprios_ | proprio << qual);
 }
 
 std::uint32_t Usuario::total(const std::uint32_t* contadores, int periodo) const {
@@ -54,9 +67,7 @@ std::uint32_t Usuario::total(const std::uint32_t* contadores, int periodo) const
 
 unsigned Usuario::count(InfoType qual, int periodo) const {
     if (qual < SENT || qual > ATT_BLOCKED) return 0;
-    const std::uint32_t* arrays[] = {sent,  recv, bytes_sent, bytes_recv,
-                                     virus, spam, error,      att_blocked};
-    return total(arrays[qual], periodo);
+    return total(this->*arrays_[qual], periodo);
 }
 
 usuStats Usuario::totais() const {

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/Contadores.h"
 #include "common/Tabela.h"
+#include "common/Texto.h"
 
 // Selects one counter array.
 enum InfoType : std::int32_t {
@@ -23,10 +25,12 @@ struct usuStats {
     std::uint32_t sent, recv, bytes_sent, bytes_recv, virus, spam, error, att_blocked;
 };
 
-// Created by the first event that names the user. The counters wrap at 32 bits.
+// Created by the first event that names the user. The counters wrap at 32 bits. The arrays are read
+// as they stand; only the adding members below write them, since those of several users may be one
+// (Contadores.h), and they may move an array.
 class Usuario {
   public:
-    char* name;                 // owned; address or name as logged
+    char* name;                 // address or name as logged; perhaps shared with messages
     std::uint32_t num_periods;  // slots in each array
     std::uint32_t* sent;        // messages
     std::uint32_t* recv;
@@ -39,7 +43,7 @@ class Usuario {
     Usuario *prev = nullptr, *next = nullptr;
     // Messages in flight that name this user as sender. Zeroed at each day's end although messages
     // may still be in flight, so an END of the next day takes it below zero, which wraps.
-    std::uint32_t msgs_reference;
+    std::uint32_t msgs_reference = 0;
 
     // `nome` may be null (the name is then null); `periodos` 0 means 24.
     Usuario(const char* nome, unsigned periodos);
@@ -49,32 +53,36 @@ class Usuario {
     static void* operator new(std::size_t n);
     static void operator delete(void* p, std::size_t n) noexcept;
 
-    // Fetches what an event of a recipient in this period will touch. (Always inline: the compiler
-    // takes a function that only fetches for one without effect, and drops the call.)
+    // Fetches what an event of a recipient in this period will touch, the record being there.
+    // (Always inline: the compiler takes a function that only fetches for one without effect, and
+    // drops the call.)
     [[gnu::always_inline]] void busca(unsigned periodo) const {
-        __builtin_prefetch(this);
-        __builtin_prefetch(nome_);
-        __builtin_prefetch(nome_ + 63);
-        if (periodo >= periodos_usuais_) return;
-        __builtin_prefetch(bloco_ + periodos_usuais_ + periodo);
-        __builtin_prefetch(bloco_ + 3 * periodos_usuais_ + periodo);
+        __builtin_prefetch(name);
+        if (periodo >= num_periods) return;
+        __builtin_prefetch(recv + periodo);
+        __builtin_prefetch(bytes_recv + periodo);
     }
 
     // Zeroes all counters and msgs_reference.
     void reset_vars();
 
-    // Add to the counter of a period (0 to num_periods - 1). 0, and nothing changed, outside.
-    int incSent(unsigned periodo, int n) { return soma(sent, periodo, n); }
-    int incRecv(unsigned periodo, int n) { return soma(recv, periodo, n); }
-    int addSentBytes(unsigned periodo, int n) { return soma(bytes_sent, periodo, n); }
-    int addRecvBytes(unsigned periodo, int n) { return soma(bytes_recv, periodo, n); }
-    int incVirus(unsigned periodo, int n) { return soma(virus, periodo, n); }
-    int incSpam(unsigned periodo, int n) { return soma(spam, periodo, n); }
-    int incErro(unsigned periodo, int n) { return soma(error, periodo, n); }
-    int incAttBlocked(unsigned periodo, int n) { return soma(att_blocked, periodo, n); }
+    // Add to the counter of a period (0 to num_periods - 1). 0, and nothing changed, outside. Throw
+    // std::bad_alloc, with nothing changed.
+    int incSent(unsigned periodo, int n) { return soma(SENT, periodo, n); }
+    int incRecv(unsigned periodo, int n) { return soma(RECV, periodo, n); }
+    int addSentBytes(unsigned periodo, int n) { return soma(BYTES_SENT, periodo, n); }
+    int addRecvBytes(unsigned periodo, int n) { return soma(BYTES_RECV, periodo, n); }
+    int incVirus(unsigned periodo, int n) { return soma(MSG_VIRUS, periodo, n); }
+    int incSpam(unsigned periodo, int n) { return soma(MSG_SPAM, periodo, n); }
+    int incErro(unsigned periodo, int n) { return soma(MSG_ERROR, periodo, n); }
+    int incAttBlocked(unsigned periodo, int n) { return soma(ATT_BLOCKED, periodo, n); }
 
     const char* getName() const { return name; }
-    std::size_t tamanho_do_nome() const { return tamanho_do_nome_; }  // 0 when there is none
+    std::size_t tamanho_do_nome() const {  // 0 when there is none
+        return TextoPartilhado::tamanho(name);
+    }
+    // The name, to be held by a message as well.
+    TextoPartilhado nome() const { return TextoPartilhado::de(name); }
     unsigned getNumPeriods() const { return num_periods; }
 
     // One counter of a period; of all periods when `periodo` is negative; 0 outside.
@@ -89,22 +97,28 @@ class Usuario {
     }
 
   private:
-    int soma(std::uint32_t* contadores, unsigned periodo, int n) {
+    // By InfoType.
+    static constexpr std::uint32_t* Usuario::*arrays_[] = {
+        &Usuario::sent,  &Usuario::recv, &Usuario::bytes_sent, &Usuario::bytes_recv,
+        &Usuario::virus, &Usuario::spam, &Usuario::error,      &Usuario::att_blocked};
+
+    int soma(InfoType qual, unsigned periodo, int n) {
         if (periodo >= num_periods) return 0;
-        contadores[periodo] += static_cast<std::uint32_t>(n);
+        const auto quanto = static_cast<std::uint32_t>(n);
+        if (proprios_ >> qual & 1)
+            (this->*arrays_[qual])[periodo] += quanto;
+        else
+            soma_ao_comum(qual, periodo, quanto);
         return 1;
     }
+    void soma_ao_comum(InfoType qual, unsigned periodo, std::uint32_t n);
+    bool em_um_bloco() const { return num_periods > contadores::periodos; }
     std::uint32_t total(const std::uint32_t* contadores, int periodo) const;
     usuStats totais() const;
 
-    static constexpr std::size_t contadores_ = 8;
-    static constexpr std::size_t periodos_usuais_ = 24;
-
-    // The name and the eight arrays, one behind the other, stand in the record itself unless they
-    // are larger than usual: what an event touches lies together.
-    std::size_t tamanho_do_nome_;
-    char nome_[88];
-    std::uint32_t bloco_[contadores_ * periodos_usuais_];
+    // Which arrays are the user's own, a bit each. With more than 24 periods all of them are, and
+    // stand one behind the other.
+    std::uint8_t proprios_ = 0;
 };
 
 inline const char* chave(const Usuario& u) {

@@ -25,7 +25,7 @@ std::string confere_rotacao(const std::string& texto) {
 int main(int argc, char** argv) {
     gerador::Parametros p;
     std::string rotacao = "dia";
-    bool sem_travessia = false;
+    bool sem_travessia = false, so_entregas = false;
 
     CLI::App app{
         "Writes the dispatcher logs of an invented mail relay, the same for the same seed."};
@@ -36,12 +36,27 @@ int main(int argc, char** argv) {
     app.add_option("--dias", p.dias, "number of days")->check(CLI::Range(1, 3660));
     app.add_option("--mensagens", p.mensagens, "messages submitted a day");
     app.add_option("--usuarios", p.usuarios, "local users")->check(CLI::Range(1, 100000000));
+    app.add_option("--destinatarios", p.destinatarios,
+                   "recipients of each message, names that never repeat; 0: few, who repeat")
+        ->check(CLI::Range(0, 1000));
+    const auto de_fora = [&app](const std::string& nome, unsigned& valor,
+                                const std::string& texto) {
+        return app.add_option("--" + nome, valor, texto)->check(CLI::Range(0, 1000000));
+    };
+    auto* nomes = de_fora("nomes-externos", p.nomes_externos,
+                          "outside senders: so many names in each outside domain; 0: they repeat");
+    auto* dominios = de_fora("dominios-externos", p.dominios_externos, "outside domains");
+    nomes->needs(dominios);
+    dominios->needs(nomes);
     app.add_option("--semente", p.semente, "seed");
     app.add_option("--inicio-dos-ids", p.inicio_dos_ids,
                    "what all ids begin with, at most 8 characters; empty: their time");
     app.add_option("--rotacao", rotacao, "a file a day (dia), one file (nenhuma), or lines a file")
         ->check(CLI::Validator(confere_rotacao, "dia|nenhuma|LINES"));
     app.add_flag("--sem-travessia", sem_travessia, "nothing is in flight at midnight");
+
+    app.add_flag("--so-entregas", so_entregas,
+                 "every message is delivered: no spam, virus, held message or error");
 
     const auto parte = [&app](const std::string& nome, double& valor, const std::string& texto) {
         app.add_option("--" + nome, valor, texto)->check(CLI::Range(0.0, 1.0))->group("Shares");
@@ -59,6 +74,7 @@ int main(int argc, char** argv) {
           "of lines: followed by one that ends the day for its readers");
     CLI11_PARSE(app, argc, argv);
 
+    if (so_entregas) p.so_entregas();
     p.travessia = !sem_travessia;
     p.rotacao = le_rotacao(rotacao);
     try {

@@ -158,6 +158,8 @@ Resumo gera(const Parametros& parametros) {
     if (inicio.size() > 8 || inicio.find(' ') != std::string::npos)
         throw std::invalid_argument("not the beginning of an id: " + inicio);
     if (parametros.usuarios == 0) throw std::invalid_argument("no users");
+    if ((parametros.nomes_externos == 0) != (parametros.dominios_externos == 0))
+        throw std::invalid_argument("outside names and domains only together");
     return Gerador(parametros).gera();
 }
 

@@ -36,6 +36,10 @@ struct Parametros {
     unsigned dias = 1;
     unsigned mensagens = 20000;  // submitted each day, exactly
     unsigned usuarios = 400;     // local users; the outside correspondents are three times as many
+    unsigned destinatarios = 0;  // of each message, all of them new names; 0: few, and they repeat
+    // Outside senders are drawn from so many names in each of so many domains, evenly; 0: from the
+    // outside correspondents, the heavy ones first.
+    unsigned nomes_externos = 0, dominios_externos = 0;
     std::uint64_t semente = 1;
     std::string inicio_dos_ids;  // what all ids begin with, at most 8 characters; "": their time
 
@@ -52,6 +56,8 @@ struct Parametros {
     double partem_dia = 0;  // share of lines followed by one that ends the day for its readers
 
     Parametros();
+    // Every message is delivered: no spam, virus, held message or error.
+    void so_entregas();
 };
 
 struct Resumo {

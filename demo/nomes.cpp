@@ -59,6 +59,13 @@ std::string usuario_remoto(unsigned n) {
     return endereco += n % 3 == 0 ? ".test" : ".example";
 }
 
+std::string usuario_do_dominio(unsigned n, unsigned dominio) {
+    std::string endereco = pessoa(n) + '@' + ramos[dominio % ramos.size()] + '-';
+    endereco += lugares[dominio / ramos.size() % lugares.size()];
+    endereco += std::to_string(dominio / (ramos.size() * lugares.size()) + 1);
+    return endereco += dominio % 3 == 0 ? ".test" : ".example";
+}
+
 std::string_view dominio(std::string_view endereco) {
     return endereco.substr(endereco.find('@') + 1);
 }

@@ -17,6 +17,10 @@ std::string usuario_local(unsigned n);
 // Address of an outside correspondent, ISO-8859-1; half of them share a handful of providers.
 std::string usuario_remoto(unsigned n);
 
+// Address of outside name `n` in domain number `dominio`. Different numbers give different
+// addresses.
+std::string usuario_do_dominio(unsigned n, unsigned dominio);
+
 // What follows the "@" of `endereco`; the whole of it when there is none.
 std::string_view dominio(std::string_view endereco);
 

@@ -32,6 +32,11 @@ Parametros::Parametros() {
                    [](const TipoErro& e) { return e.parte; });
 }
 
+void Parametros::so_entregas() {
+    spam = virus = retidas = 0;
+    erros.fill(0);
+}
+
 unsigned Sorte::preferido(unsigned n) {
     const double k = std::exp(fracao() * std::log(n + 1.0)) - 1;
     return std::min(static_cast<unsigned>(k), n - 1);
@@ -76,9 +81,9 @@ void Trafego::nova(std::time_t t) {
 
     destinos_.clear();
     do {
-        destinos_.push_back(local_ ? usuario_local(sorte_.preferido(p_.usuarios))
-                                   : usuario_remoto(sorte_.preferido(p_.usuarios * 3)));
-    } while (destinos_.size() < 40 && sorte_.acontece(0.725));
+        destinos_.push_back(destino());
+    } while (p_.destinatarios ? destinos_.size() < p_.destinatarios
+                              : destinos_.size() < 40 && sorte_.acontece(0.725));
 
     std::string resto = "de ";
     if (sorte_.acontece(p_.sem_remetente)) {
@@ -86,14 +91,25 @@ void Trafego::nova(std::time_t t) {
     } else {
         resto += tipo;
         resto += " remetente ";
-        resto += interno ? usuario_local(sorte_.preferido(p_.usuarios))
-                         : usuario_remoto(sorte_.preferido(p_.usuarios * 3));
+        resto += interno ? usuario_local(sorte_.preferido(p_.usuarios)) : remetente_externo();
     }
     // Most messages are a few kilobytes, the largest a megabyte.
     const double u = sorte_.fracao();
     resto += " com " + std::to_string(static_cast<unsigned>(700 * std::exp(7.3 * u * u * u)));
     evento("MAILQ SUBMIT", resto += " bytes");
     espera(sorte_.acontece(0.4) ? 600 : 30);
+}
+
+std::string Trafego::destino() {
+    if (p_.destinatarios) return local_ ? usuario_local(nomes_++) : usuario_remoto(nomes_++);
+    return local_ ? usuario_local(sorte_.preferido(p_.usuarios))
+                  : usuario_remoto(sorte_.preferido(p_.usuarios * 3));
+}
+
+std::string Trafego::remetente_externo() {
+    if (!p_.nomes_externos) return usuario_remoto(sorte_.preferido(p_.usuarios * 3));
+    const unsigned nome = sorte_.ate(p_.nomes_externos);
+    return usuario_do_dominio(nome, sorte_.ate(p_.dominios_externos));
 }
 
 void Trafego::evento(std::string_view agente_status, std::string_view resto) {

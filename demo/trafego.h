@@ -50,6 +50,8 @@ class Trafego {
   private:
     void nomeia(std::time_t t);
     void nova(std::time_t t);
+    std::string destino();
+    std::string remetente_externo();
     void evento(std::string_view agente_status, std::string_view resto);
     void erro(const TipoErro& tipo);
     void tentativa();
@@ -69,6 +71,7 @@ class Trafego {
     const Parametros& p_;
     Sorte& sorte_;
     std::uint64_t numero_ = 0;  // messages planned so far: makes the id
+    unsigned nomes_ = 0;        // recipients so far, where each is a new name
     std::vector<Evento> eventos_;
 
     // The message being planned.

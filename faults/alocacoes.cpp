@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <sstream>
+#include <vector>
 
 #include "faults/cenario.h"
 #include "faults/memoria.h"
@@ -166,6 +167,35 @@ std::string relatorio(const Relato& relato, const std::string& dados, const std:
     return relata(relato, *p, outro, id) == certo ? "" : "the next report differs";
 }
 
+// An addition that found no memory has changed nothing, in this user or in another; those behind it
+// count again.
+std::string dos_contadores(std::size_t em, bool dali, std::size_t& contados) {
+    constexpr unsigned num_usuarios = 30, num_adicoes = 300, periodos = 24;
+    std::vector<std::unique_ptr<Usuario>> usuarios;
+    std::vector<std::uint32_t> certo(num_usuarios * periodos);
+    for (unsigned i = 0; i < num_usuarios; ++i)
+        usuarios.push_back(std::make_unique<Usuario>("ana", periodos));
+    unsigned i = 0;
+    const auto soma = [&] {
+        for (; i < num_adicoes; ++i) {
+            // Three in a row are counted the same.
+            const unsigned u = i * 7 % num_usuarios, p = i / 3 % periodos;
+            usuarios[u]->addRecvBytes(p, static_cast<int>(1 + i / 3));
+            certo[u * periodos + p] += 1 + i / 3;
+        }
+        return feito;
+    };
+    const auto confere = [&] {
+        for (unsigned j = 0; j < num_usuarios * periodos; ++j)
+            if (usuarios[j / periodos]->bytes_recv[j % periodos] != certo[j]) return false;
+        return true;
+    };
+    if (sob_falha(em, dali, contados, soma) == outra_excecao) return "another exception";
+    if (!confere()) return "an addition that failed has counted";
+    soma();
+    return confere() ? "" : "additions behind the fault are lost";
+}
+
 // Behind the fault the key can be written and read again.
 std::string do_registro(const std::string& pasta, const std::string& certo, std::size_t em,
                         bool dali, std::size_t& contados) {
@@ -219,6 +249,7 @@ bool varre_memoria(const std::string& pasta, bool tudo) {
             return relatorio(relato, dados, id, certo, em, dali, n);
         });
     }
+    bom &= separado("counters", passo, dos_contadores);
     escreve_registro(pasta + "/registry", "other");
     const std::string certo = le_registro(pasta + "/registry");
     bom &= separado("registry", passo, [&](std::size_t em, bool dali, std::size_t& n) {

@@ -303,6 +303,7 @@ TEST(Msg, errosPendentes) {
     EXPECT_EQ(ficam, "9 8 ");
 }
 
+// A sender's text is freed with the last who holds it: messages, and the user of that name.
 TEST(Msg, remetente) {
     auto* a = new Msg("a", 0);
     Msg b("b", 0), c("c", 0);
@@ -318,11 +319,32 @@ TEST(Msg, remetente) {
     EXPECT_STREQ(b.sendername, "eva@x");
     b.define_remetente(nullptr);
     EXPECT_EQ(b.sendername, nullptr);
-    // Set from outside, it is the message's own.
-    b.sendername = new char[2]{'z', '\0'};
-    c.sendername = new char[2]{'z', '\0'};
-    b.define_remetente(comum);
-    EXPECT_EQ(b.sendername, nullptr);
+    auto* u = new Usuario("zoe@x", 24);
+    b.define_remetente(u->nome());
+    EXPECT_EQ(b.sendername, u->name);
+    delete u;
+    EXPECT_STREQ(b.sendername, "zoe@x");
+    // A user without a name.
+    c.define_remetente(Usuario(nullptr, 24).nome());
+    EXPECT_EQ(c.sendername, nullptr);
+}
+
+// Of every length, those included that come from elsewhere than the reserves of short texts.
+TEST(TextoPartilhado, comprimentos) {
+    std::vector<TextoPartilhado> textos;
+    const auto certo = [](std::size_t n) {
+        return std::string(n, static_cast<char>('a' + n % 26));
+    };
+    for (int vez = 0; vez < 2; ++vez) {
+        for (std::size_t n = 0; n < 300; ++n) textos.emplace_back(certo(n).c_str(), n);
+        for (std::size_t n = 0; n < 300; ++n) {
+            EXPECT_TRUE(textos[n].igual(certo(n).c_str(), n));
+            EXPECT_FALSE(textos[n].igual(certo(n + 26).c_str(), n + 26));
+            EXPECT_EQ(textos[n].texto(), certo(n));
+            EXPECT_EQ(TextoPartilhado::tamanho(textos[n].texto()), n);
+        }
+        textos.clear();
+    }
 }
 
 TEST(Msg, limites) {

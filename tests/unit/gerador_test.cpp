@@ -11,6 +11,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <vector>
 
 #include "tests/unit/apoio/arvore.h"
 
@@ -142,7 +143,45 @@ TEST_F(GeradorLogs, RotatedPiecesAreTheLogCutAtLineEnds) {
     EXPECT_EQ(pecas_, resumo_.arquivos);
 }
 
+// The words behind `antes` on the lines that have it.
+std::vector<std::string> palavras(const std::string& log, const std::string& antes) {
+    std::vector<std::string> achadas;
+    for (std::size_t i = 0; (i = log.find(antes, i)) != std::string::npos;) {
+        i += antes.size();
+        achadas.push_back(log.substr(i, log.find_first_of(" \n", i) - i));
+    }
+    return achadas;
+}
+
+TEST_F(GeradorLogs, RecipientsThatNeverRepeat) {
+    p_.destinatarios = 10;
+    p_.travessia = false;
+    p_.so_entregas();
+    const auto quem = palavras(gera(), " para ");
+    EXPECT_EQ(quem.size(), 30000u);
+    EXPECT_EQ(std::set(quem.begin(), quem.end()).size(), 30000u);
+}
+
+TEST_F(GeradorLogs, OutsideSendersFromSoManyNamesAndDomains) {
+    p_.nomes_externos = 50;
+    p_.dominios_externos = 60;
+    std::set<std::string> nomes, dominios, todos;
+    for (const auto& r : palavras(gera(), " de SMTPCONNEXT remetente ")) {
+        const std::size_t arroba = r.find('@');
+        if (arroba == std::string::npos) continue;  // a bounce
+        nomes.insert(r.substr(0, arroba));
+        dominios.insert(r.substr(arroba + 1));
+        todos.insert(r);
+    }
+    EXPECT_EQ(nomes.size(), 50u);
+    EXPECT_EQ(dominios.size(), 60u);
+    EXPECT_GT(todos.size(), 900u);  // of 3000 that there are, and some 1200 drawn
+}
+
 TEST_F(GeradorLogs, RefusesWhatMakesNoSense) {
+    p_.nomes_externos = 5;
+    EXPECT_THROW(gera(), std::invalid_argument) << "names without domains";
+    p_.nomes_externos = 0;
     gera();
     EXPECT_THROW(gerador::gera(p_), std::system_error) << "a directory with logs in it";
     for (const char* dia : {"2026-02-30", "2026-3-10", "hoje", "2026-03-10x"}) {

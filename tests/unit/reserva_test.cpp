@@ -12,10 +12,9 @@
 
 namespace {
 
-TEST(Reserva, lugaresSaoDistintosEVoltam) {
-    constexpr std::size_t tamanho = 144;
-    constexpr std::size_t num_bloco = Reserva::bloco / tamanho;
-    Reserva reserva(tamanho);
+void lugares(std::size_t tamanho, std::size_t bloco) {
+    const std::size_t num_bloco = bloco / tamanho;
+    Reserva reserva(tamanho, bloco);
     std::mt19937 sorte(5);
     std::vector<std::pair<char*, char>> tomados;
     const auto toma = [&] {
@@ -43,6 +42,11 @@ TEST(Reserva, lugaresSaoDistintosEVoltam) {
         while (tomados.size() > (vez == 1 ? num_bloco / 2 : 0)) devolve();
     }
     EXPECT_EQ(reserva.blocos(), 0u);
+}
+
+TEST(Reserva, lugaresSaoDistintosEVoltam) {
+    lugares(144, Reserva::bloco);
+    lugares(40, std::size_t{64} * 1024);
 }
 
 // The room of a sender outlasts his being unknown: an id too long to be found has that in each
