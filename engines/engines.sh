@@ -9,52 +9,52 @@ own='Zend/tests/arginfo_zpp_mismatch Zend/tests/arginfo_zpp_mismatch_strict
 
 # --- sources and systems ----------------------------------------------------------------------
 
-# debian_sources TYPE: this machine's own Debian sources, a line each.
+# debian_sources TYPE SUITE: this machine's own Debian sources, a line each, for that release.
 debian_sources() {
     apt-get indextargets --format "$1"' $(REPO_URI) $(RELEASE) $(COMPONENT) $(ORIGIN)' 'Created-By: Packages' |
-        sed -n '/ bookworm/s/ Debian$//p' | sort -u
+        sed -n "/ $release/s/ Debian\$//p" | sed "s/ $release/ $2/" | sort -u
 }
 
 # The engine's source as Debian has it, unpacked in $source. A mirror may lack the newest version that it
 # lists, so the newest that downloads is taken.
 php_source() {
     mkdir -p "$here/source/lists/partial" "$here/source/parts"
-    source=$(find "$here/source" -maxdepth 1 -type d -name 'php8.2-*')
+    source=$(find "$here/source" -maxdepth 1 -type d -name "php$php-*")
     [ -z "$source" ] || return 0
     need dpkg-dev
     say "source of the engine"
-    debian_sources deb-src >"$here/source/parts/source.list"
+    debian_sources deb-src "$release" >"$here/source/parts/source.list"
     (
         cd "$here/source"
         set -- -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$PWD/parts" \
             -o Dir::State::lists="$PWD/lists" -o Dir::Cache="$PWD/cache" -o APT::Sandbox::User=root
         apt-get "$@" update
-        for version in $(apt-cache "$@" showsrc php8.2 | sed -n 's/^Version: //p' | sort -rVu); do
-            if apt-get "$@" source "php8.2=$version"; then break; fi
+        for version in $(apt-cache "$@" showsrc "php$php" | sed -n 's/^Version: //p' | sort -rVu); do
+            if apt-get "$@" source "php$php=$version"; then break; fi
         done
     ) >"$here/source.log" 2>&1 || true
-    source=$(find "$here/source" -maxdepth 1 -type d -name 'php8.2-*')
-    [ -n "$source" ] || { tail "$here/source.log"; die "no source of php8.2 could be had"; }
+    source=$(find "$here/source" -maxdepth 1 -type d -name "php$php-*")
+    [ -n "$source" ] || { tail "$here/source.log"; die "no source of php$php could be had"; }
 }
 
-# bootstrap FOLDER ARCHITECTURE [PACKAGES]: a bare Debian 12 there, with the same sources as this one.
+# bootstrap FOLDER SUITE ARCHITECTURE [PACKAGES]: a bare Debian of that release there, with this one's sources.
 bootstrap() {
     [ ! -f "$1/etc/vt_mrel-ready" ] || return 0
     need debootstrap
-    say "bare Debian 12 for $2, in ${1#"$root/"}"
+    say "bare $2 for $3, in ${1#"$root/"}"
     as_root rm -rf "$1"
     mkdir -p "$here/debs"
-    mirror=$(debian_sources deb | awk '$3 == "bookworm" { print $2; exit }')
-    as_root debootstrap --variant=minbase --arch="$2" --cache-dir="$here/debs" ${3:+--include="$3"} \
-        bookworm "$1" "$mirror" >"$1.log" 2>&1 || { tail "$1.log"; die "debootstrap failed"; }
-    debian_sources deb | as_root tee "$1/etc/apt/sources.list" >/dev/null
+    mirror=$(debian_sources deb "$2" | awk -v suite="$2" '$3 == suite { print $2; exit }')
+    as_root debootstrap --variant=minbase --arch="$3" --cache-dir="$here/debs" ${4:+--include="$4"} \
+        "$2" "$1" "$mirror" >"$1.log" 2>&1 || { tail "$1.log"; die "debootstrap failed"; }
+    debian_sources deb "$2" | as_root tee "$1/etc/apt/sources.list" >/dev/null
     # Settings for mirrors that are no longer updated hold there too.
     apt-config dump Acquire::Check-Valid-Until Acquire::Check-Date |
         as_root tee "$1/etc/apt/apt.conf.d/90mirror" >/dev/null
     # A mirror may be incomplete for a rarer architecture; the release itself was had just now.
     if ! inside "$1" 'apt-get update -q' >>"$1.log" 2>&1; then
-        echo "not all of this machine's sources serve $2: the release alone must do"
-        debian_sources deb | grep ' bookworm ' | as_root tee "$1/etc/apt/sources.list" >/dev/null
+        echo "not all of this machine's sources serve $3: the release alone must do"
+        debian_sources deb "$2" | grep " $2 " | as_root tee "$1/etc/apt/sources.list" >/dev/null
     fi
     as_root touch "$1/etc/vt_mrel-ready"
 }
@@ -108,7 +108,7 @@ engine_plain() {
 }
 
 engine_opcache() {
-    need php8.2-opcache
+    need "php$php-opcache"
     build
     say "the packaged engine, with opcache"
     set -- -d zend_extension=opcache -d opcache.enable_cli=1
@@ -123,7 +123,7 @@ engine_opcache() {
 
 # By function: all is compiled before it runs. By trace: the test runner sets the thresholds to 1.
 engine_jit() {
-    need php8.2-opcache
+    need "php$php-opcache"
     build
     for mode in function tracing; do
         say "the packaged engine, with JIT by $mode"
@@ -205,10 +205,10 @@ counts_of() {
 # Unit and PHP tests in 32 bits, and the same day files from the same logs. The thread sanitizer has no
 # 32 bits, and what the house checks look at is the same.
 engine_i386() {
-    need php8.2-opcache
+    need "php$php-opcache"
     build
     cmake_build release gera_logs
-    bootstrap "$here/i386" i386
+    bootstrap "$here/i386" "$release" i386
     say "32 bits"
     as_root mkdir -p "$here/i386/root/vt_mrel"
     as_root find "$here/i386/root/vt_mrel" -mindepth 1 -maxdepth 1 ! -name out -exec rm -rf {} +
@@ -231,29 +231,33 @@ same_days() {
     # shellcheck disable=SC2016
     code='$m = new vt_mrel(); $m->setLogDir("logs"); $m->setDataDir("dat"); $m->consolidate("last");'
     (cd "$here/days" && "$PHP" -n -d "extension=$extension" -r "$code")
-    inside "$here/i386" "export TZ=$TZ; cd /root/days; php8.2 -n -r 'exit(PHP_INT_SIZE == 4 ? 0 : 1);'
-        php8.2 -n -d extension=/root/vt_mrel/out/php/modules/vt_mrel.so -r '$code'"
+    inside "$here/i386" "export TZ=$TZ; cd /root/days; php$php -n -r 'exit(PHP_INT_SIZE == 4 ? 0 : 1);'
+        php$php -n -d extension=/root/vt_mrel/out/php/modules/vt_mrel.so -r '$code'"
     unset TZ
     n=$(find "$here/days/dat" -name '*.txt' -size +0 | wc -l)
     echo "$n day files"
     [ "$n" -ge 6 ] && diff -r "$here/days" "$here/i386/root/days"
 }
 
-# What a new user does first, in a bare system with only git and apt, from a clean clone.
-engine_fresh() {
-    as_root rm -rf "$here/fresh"
-    bootstrap "$here/fresh" "$(dpkg --print-architecture)" git
-    as_root git clone -q --no-hardlinks "$root" "$here/fresh/root/vt_mrel"
+# bare NAME SUITE: what a new user does first, in a bare system with only git and apt, from a clean clone.
+bare() {
+    as_root rm -rf "$here/$1"
+    bootstrap "$here/$1" "$2" "$(dpkg --print-architecture)" git
+    as_root git clone -q --no-hardlinks "$root" "$here/$1/root/vt_mrel"
     for command in demo test; do
-        say "./dev $command in a bare Debian 12"
+        say "./dev $command in a bare $2"
         begun=$(date +%s)
-        inside "$here/fresh" "cd /root/vt_mrel && ./dev $command" >"$here/fresh-$command.log" 2>&1 ||
+        inside "$here/$1" "cd /root/vt_mrel && ./dev $command" >"$here/$1-$command.log" 2>&1 ||
             { echo "FAILED: ./dev $command"; add 0 1; }
-        tail -n 12 "$here/fresh-$command.log"
+        tail -n 12 "$here/$1-$command.log"
         echo "$(($(date +%s) - begun)) seconds"
     done
-    counts_of "$here/fresh-test.log"
+    counts_of "$here/$1-test.log"
 }
+
+engine_fresh() { bare fresh bookworm; }
+
+engine_trixie() { bare trixie trixie; }
 
 # ----------------------------------------------------------------------------------------------
 
@@ -268,10 +272,10 @@ run_engine() {
 
 mkdir -p "$here"
 table=
-[ $# -gt 0 ] || set -- plain opcache jit valgrind zts i386 fresh
+[ $# -gt 0 ] || set -- plain opcache jit valgrind zts i386 fresh trixie
 for engine in "$@"; do
     case $engine in
-        plain | opcache | jit | valgrind | zts | i386 | fresh) run_engine "$engine" ;;
+        plain | opcache | jit | valgrind | zts | i386 | fresh | trixie) run_engine "$engine" ;;
         *) die "there is no engine '$engine'" ;;
     esac
 done
