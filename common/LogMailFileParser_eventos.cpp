@@ -1,7 +1,6 @@
 // The events of the log: what each writes into the compact file, counts and remembers. The public
 // handlers measure and hash the texts that they are given; what reads the log has done so already.
 #include <algorithm>
-#include <cstring>
 
 #include "common/LogMailFileParser.h"
 #include "misc/numero.h"
@@ -22,16 +21,19 @@ Chave chave(const char* t) {
 
 // What an error event does beyond its compact line.
 struct LogMailFileParser::RegraErro {
-    Status status;
+    enum Faz : unsigned {
+        conta = 1,       // counts an error of the sender
+        marca_hora = 2,  // moves the message's last_time
+        fatal = 4,       // the delivery failed for good
+        tentativa = 8,   // counts as an attempt when none was seen
+        sem_texto = 16,  // the event has no text
+        sem_fim = 32,    // its text is the rest of the log line and brings the line end
+    };
     const char* metodo;            // named by a refusal
+    const char* guarda = nullptr;  // the text kept with the pending error; null: the event's own
+    Status status;
     ErrorType pendente = etFINAL;  // the pending error that it records; etFINAL: none
-    const char* guarda = nullptr;  // the text kept with it; null: the event's own
-    bool conta = true;             // counts an error of the sender
-    bool marca_hora = false;       // moves the message's last_time
-    bool fatal = false;            // the delivery failed for good
-    bool tentativa = false;        // counts as an attempt when none was seen
-    bool sem_texto = false;        // the event has no text
-    bool sem_fim = false;          // its text is the rest of the log line and brings the line end
+    unsigned faz = 0;
 };
 
 LogMailFileParser::Hora LogMailFileParser::hora(const char* T) {
@@ -160,8 +162,8 @@ int LogMailFileParser::smtp_ok(Hora h, const Chave& id, const Chave& destinatari
         return 0;
     Msg* m = Lista_msg.procurar(id);
     if (m) {
-        const char* arroba = std::strchr(destinatario.texto, '@');
-        if (arroba) remover_error(m, arroba + 1);
+        const std::size_t arroba = Texto(destinatario).find('@');
+        if (arroba != Texto::npos) remover_error(m, destinatario.texto + arroba + 1);
         remover_error(m, nullptr);
     } else {
         m = msg_ou_nova(id);
@@ -203,58 +205,57 @@ int LogMailFileParser::virus(Hora h, const Chave& id) {
 
 // An error of a message that is not known leaves no trace but its compact line.
 int LogMailFileParser::erro(Status status, Hora h, const Chave& id, Texto texto) {
-    static constexpr RegraErro regras[] = {
-        {.status = ERROR_CONNECT,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:CONNECT",
+    using R = RegraErro;
+    static constexpr R regras[] = {
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:CONNECT",
+         .status = ERROR_CONNECT,
          .pendente = etCONNECT,
-         .marca_hora = true},
-        {.status = ERROR_SENDER,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SENDER",
+         .faz = R::conta | R::marca_hora},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SENDER",
+         .status = ERROR_SENDER,
          .pendente = etSENDER,
-         .marca_hora = true},
-        {.status = ERROR_DEST,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DEST",
+         .faz = R::conta | R::marca_hora},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DEST",
+         .guarda = "dest",
+         .status = ERROR_DEST,
          .pendente = etDEST,
-         .guarda = "dest"},
-        {.status = ERROR_FINAL,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_FINAL",
-         .fatal = true,
-         .tentativa = true,
-         .sem_fim = true},
-        {.status = ERROR_DATA,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DATA",
-         .pendente = etDATA,
+         .faz = R::conta},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_FINAL",
+         .status = ERROR_FINAL,
+         .faz = R::conta | R::fatal | R::tentativa | R::sem_fim},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DATA",
          .guarda = "",
-         .sem_texto = true},
-        {.status = ERROR_HELO,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_HELO",
-         .pendente = etHELO},
-        {.status = ERROR_SIZE,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SIZE",
-         .fatal = true,
-         .sem_texto = true},
-        {.status = ERROR_DOMAIN,
-         .metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DOMAIN",
-         .pendente = etDOMAIN,
-         .conta = false},
-        {.status = RETRY_DEST,
-         .metodo = "LogMailFileParser::handle_MAILSMTP_RETRY_DEST",
-         .pendente = etRETRY_DEST,
-         .conta = false},
+         .status = ERROR_DATA,
+         .pendente = etDATA,
+         .faz = R::conta | R::sem_texto},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_HELO",
+         .status = ERROR_HELO,
+         .pendente = etHELO,
+         .faz = R::conta},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_SIZE",
+         .status = ERROR_SIZE,
+         .faz = R::conta | R::fatal | R::sem_texto},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP:ERROR_DOMAIN",
+         .status = ERROR_DOMAIN,
+         .pendente = etDOMAIN},
+        {.metodo = "LogMailFileParser::handle_MAILSMTP_RETRY_DEST",
+         .status = RETRY_DEST,
+         .pendente = etRETRY_DEST},
     };
     const RegraErro& regra =
         *std::find_if(std::begin(regras), std::end(regras) - 1,
                       [status](const RegraErro& r) { return r.status == status; });
-    const bool escrito =
-        regra.sem_texto ? registra(regra.metodo, MAILSMTP, status, h, {id})
-                        : registra(regra.metodo, MAILSMTP, status, h, {id, texto}, !regra.sem_fim);
+    const auto faz = [&regra](R::Faz o_que) { return (regra.faz & o_que) != 0; };
+    const bool escrito = faz(R::sem_texto) ? registra(regra.metodo, MAILSMTP, status, h, {id})
+                                           : registra(regra.metodo, MAILSMTP, status, h,
+                                                      {id, texto}, !faz(R::sem_fim));
     if (!escrito) return 0;
     Msg* m = Lista_msg.procurar(id);
     if (!m) return 1;
-    if (regra.conta && m->sender && h.t != 0) m->sender->incErro(getPeriodByTime(h.t), 1);
-    if (regra.marca_hora) m->last_time = h.t;
-    if (regra.fatal) m->fatal_error = true;
-    if (regra.tentativa && m->tries == 0) m->tries = 1;
+    if (faz(R::conta) && m->sender && h.t != 0) m->sender->incErro(getPeriodByTime(h.t), 1);
+    if (faz(R::marca_hora)) m->last_time = h.t;
+    if (faz(R::fatal)) m->fatal_error = true;
+    if (faz(R::tentativa) && m->tries == 0) m->tries = 1;
     if (regra.pendente != etFINAL) {
         m->add_error(regra.pendente, regra.guarda ? regra.guarda : texto.data());
         m->error = true;
