@@ -230,14 +230,40 @@ class LogMailFileParser : public LogFileParser {
 
     static constexpr std::size_t max_remetentes = 8192;
 
+    // The fields of a compact line, and field 3 as a key when there is one.
+    struct Campos {
+        char** texto;
+        int n;
+        Chave id;
+
+        Campos(char** c, int quantos) : texto(c), n(quantos) {
+            if (c && quantos > 3) id = Chave(c[3]);
+        }
+        Campos(char** c, int quantos, const Chave& chave) : texto(c), n(quantos), id(chave) {}
+        char* operator[](int i) const { return texto[i]; }
+    };
+
+    // What the public handlers of the reports do that look for messages by id, where the line's key
+    // is known.
+    int user_submit(const params& q, long t, const Campos& c);
+    int user_ok(const params& q, long t, const Campos& c);
+    int user_end(const Campos& c);
+    int user_virus(DList<UserMsgs>* msgs, const Campos& c);
+    int user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo);
+    int hora_submit(MsgsData* hora, const Campos& c);
+    int hora_end(MsgsData* hora, const Campos& c);
+    int hora_erro(MsgsData* hora, const Campos& c);
+    int hora_virus(MsgsData* hora, const Campos& c);
+    int hora_spam(MsgsData* hora, const Campos& c);
+
     // Reports (_leitura.cpp, _replay.cpp, _usuario.cpp).
     bool le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
                          DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
                          const char* user);
     void replay(diario::Dias dias, long start, long end, ReportType type, params* p);
     bool corta_dominio_local(std::string& endereco);
-    UserMsgs* linha_de(DList<UserMsgs>* msgs, const char* id);
-    UserMsgs* nova_linha(DList<UserMsgs>* msgs, const char* id);
+    UserMsgs* linha_de(DList<UserMsgs>* msgs, const Chave& id);
+    UserMsgs* nova_linha(DList<UserMsgs>* msgs, const Chave& id);
     bool remetido(DList<Usuario>* remetentes, const char* endereco);
 
     Trabalhos trabalhos_;  // never seen by a consolidation, which makes the parser forget them

@@ -25,36 +25,26 @@ int LogMailFileParser::get_msgs_per_hour_per_user(long start, long end, const ch
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** campos, int n) {
-    if (!hora || !campos) {
+int LogMailFileParser::hora_submit(MsgsData* hora, const Campos& c) {
+    if (!hora || !c.texto) {
         traco("LogMailFileParser::msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    if (n < 7) return 0;
-    Trabalho* m = trabalhos_.novo(campos[3], campos[5]);
-    m->int_user = getUserType(campos[4]) == INTERNO;
-    m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
-    return 1;
-}
-
-int LogMailFileParser::msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id) {
-    if (t != 0 && hora && id) return 1;
-    traco("LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
-    return 0;
-}
-
-int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, char**, int) {
+    if (c.n < 7) return 0;
+    Trabalho* m = trabalhos_.novo(c.id, c[5]);
+    m->int_user = getUserType(c[4]) == INTERNO;
+    m->size = static_cast<std::uint32_t>(decimal32(c[6]));
     return 1;
 }
 
 // A message whose submission was not seen is not counted. No event blocks attachments yet. A spam
 // or virus message counts here for the second time.
-int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
-    if (!hora || !campos || n < 4) {
+int LogMailFileParser::hora_end(MsgsData* hora, const Campos& c) {
+    if (!hora || !c.texto || c.n < 4) {
         traco("LogMailFileParser::msgs_per_hour_handle_END : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    const Trabalho* m = trabalhos_.acha(campos[3]);
+    const Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
     const bool falhou = m->error || m->fatal_error;
     if (falhou)
@@ -70,32 +60,58 @@ int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, cha
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_ERROR(long, MsgsData* hora, char** campos, int n) {
-    if (!hora || n < 4) {
+int LogMailFileParser::hora_erro(MsgsData* hora, const Campos& c) {
+    if (!hora || c.n < 4) {
         traco("LogMailFileParser::msgs_per_hour_handle_ERROR : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    trabalhos_.acha_ou_novo(campos[3])->error = true;
+    trabalhos_.acha_ou_novo(c.id)->error = true;
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** campos, int n) {
-    if (n <= 3) {
+int LogMailFileParser::hora_virus(MsgsData* hora, const Campos& c) {
+    if (c.n <= 3) {
         traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
         return 0;
     }
-    trabalhos_.acha_ou_novo(campos[3])->virus = true;
+    trabalhos_.acha_ou_novo(c.id)->virus = true;
     ++hora->virus;
     return 1;
 }
 
-int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
-    if (n <= 3) {
+int LogMailFileParser::hora_spam(MsgsData* hora, const Campos& c) {
+    if (c.n <= 3) {
         // Under the other event's name, as the traces have always said it.
         traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
         return 0;
     }
-    trabalhos_.acha_ou_novo(campos[3])->spam = true;
+    trabalhos_.acha_ou_novo(c.id)->spam = true;
     ++hora->spam;
     return 1;
+}
+
+// --- The public handlers.
+
+int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** campos, int n) {
+    return hora_submit(hora, {campos, n});
+}
+int LogMailFileParser::msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id) {
+    if (t != 0 && hora && id) return 1;
+    traco("LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
+    return 0;
+}
+int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, char**, int) {
+    return 1;
+}
+int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
+    return hora_end(hora, {campos, n});
+}
+int LogMailFileParser::msgs_per_hour_handle_ERROR(long, MsgsData* hora, char** campos, int n) {
+    return hora_erro(hora, {campos, n});
+}
+int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** campos, int n) {
+    return hora_virus(hora, {campos, n});
+}
+int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
+    return hora_spam(hora, {campos, n});
 }

@@ -18,8 +18,7 @@ constexpr int horas_do_dia = 24;
 // One compact line, split: field 0 the time, 1 the agent, 2 the status, 3 the message id.
 struct LogMailFileParser::Lido {
     long t;
-    char** campos;
-    int n;
+    Campos campos;
     params* par;
     MsgsData* hora;  // the row of the current hour, in the hour report
 };
@@ -34,50 +33,38 @@ struct LogMailFileParser::Replay {
     // The trace.
     template <auto handler>
     static void trace(P& p, const Lido& e) {
-        (p.*handler)(e.par->msg_id, e.t, e.par->m, e.campos, e.n);
+        (p.*handler)(e.par->msg_id, e.t, e.par->m, e.campos.texto, e.campos.n);
     }
     template <auto handler>
     static void trace_destinatario(P& p, const Lido& e) {
-        if (e.n > 4) (p.*handler)(e.par->msg_id, e.campos[4], e.t, e.par->m, e.campos, e.n);
+        if (e.campos.n > 4)
+            (p.*handler)(e.par->msg_id, e.campos[4], e.t, e.par->m, e.campos.texto, e.campos.n);
     }
     static void trace_end(P& p, const Lido& e) {
-        if (e.n > 3) trace<&P::msg_trace_handle_END>(p, e);
+        if (e.campos.n > 3) trace<&P::msg_trace_handle_END>(p, e);
     }
     template <ErrorType tipo>
     static void trace_erro(P& p, const Lido& e) {
-        p.msg_trace_handle_ERROR(e.par->msg_id, e.t, e.par->m, e.campos, e.n, tipo);
+        p.msg_trace_handle_ERROR(e.par->msg_id, e.t, e.par->m, e.campos.texto, e.campos.n, tipo);
     }
 
     // One user's messages.
-    static void user_submit(P& p, const Lido& e) {
-        const params& q = *e.par;
-        p.user_msgs_handle_SUBMIT(q.remetentes, q.destinatarios, q.min_kb, q.max_kb, q.msg_id, e.t,
-                                  q.msgs, e.campos, e.n);
-    }
-    static void user_ok(P& p, const Lido& e) {
-        const params& q = *e.par;
-        p.user_msgs_handle_OK(q.destinatarios, q.min_kb, q.max_kb, q.msg_id, e.t, q.msgs, e.campos,
-                              e.n);
-    }
-    template <auto handler>
-    static void user(P& p, const Lido& e) {
-        (p.*handler)(e.t, e.par->msgs, e.campos, e.n);
-    }
+    static void user_submit(P& p, const Lido& e) { p.user_submit(*e.par, e.t, e.campos); }
+    static void user_ok(P& p, const Lido& e) { p.user_ok(*e.par, e.t, e.campos); }
+    static void user_end(P& p, const Lido& e) { p.user_end(e.campos); }
+    static void user_virus(P& p, const Lido& e) { p.user_virus(e.par->msgs, e.campos); }
     template <ErrorType tipo>
     static void user_erro(P& p, const Lido& e) {
-        p.user_msgs_handle_ERROR(e.t, e.par->msgs, e.campos, e.n, tipo);
+        p.user_erro(e.par->msgs, e.campos, tipo);
     }
 
     // The hours of the day.
     template <auto handler>
     static void hora(P& p, const Lido& e) {
-        (p.*handler)(e.t, e.hora, e.campos, e.n);
+        (p.*handler)(e.hora, e.campos);
     }
     static void hora_deliver(P& p, const Lido& e) {
-        if (e.n > 3) p.msgs_per_hour_handle_DELIVER(e.t, e.hora, e.campos[3]);
-    }
-    static void hora_end(P& p, const Lido& e) {
-        p.msgs_per_hour_handle_END(e.hora, e.par->user, e.campos, e.n);
+        if (e.campos.n > 3) p.msgs_per_hour_handle_DELIVER(e.t, e.hora, e.campos[3]);
     }
 
     struct Regra {
@@ -86,13 +73,12 @@ struct LogMailFileParser::Replay {
     };
 
     static constexpr std::array<Coluna, 3> tabela() {
-        constexpr Acao erro_na_hora = hora<&P::msgs_per_hour_handle_ERROR>;
+        constexpr Acao erro_na_hora = hora<&P::hora_erro>;
         constexpr Regra regras[] = {
-            {SUBMIT, trace<&P::msg_trace_handle_SUBMIT>, user_submit,
-             hora<&P::msgs_per_hour_handle_SUBMIT>},
+            {SUBMIT, trace<&P::msg_trace_handle_SUBMIT>, user_submit, hora<&P::hora_submit>},
             // An acceptance does not count in its hour, the END does.
             {OK, trace_destinatario<&P::msg_trace_handle_OK>, user_ok, nada},
-            {END, trace_end, user<&P::user_msgs_handle_END>, hora_end},
+            {END, trace_end, user_end, hora<&P::hora_end>},
             {ERROR_CONNECT, trace_erro<etCONNECT>, user_erro<etCONNECT>, erro_na_hora},
             {ERROR_CONNECTION, nada, nada, erro_na_hora},
             {DELIVER, nada, nada, hora_deliver},
@@ -106,10 +92,9 @@ struct LogMailFileParser::Replay {
             // A refusal for size was never an error of the hour.
             {ERROR_SIZE, trace_erro<etSIZE>, user_erro<etSIZE>, nada},
             {ERROR_DOMAIN, nada, nada, erro_na_hora},
-            {VIRUS, trace<&P::msg_trace_handle_VIRUS>, user<&P::user_msgs_handle_VIRUS>,
-             hora<&P::msgs_per_hour_handle_VIRUS>},
+            {VIRUS, trace<&P::msg_trace_handle_VIRUS>, user_virus, hora<&P::hora_virus>},
             {RETRY_DEST, nada, user_erro<etRETRY_DEST>, nada},
-            {SPAM, nada, nada, hora<&P::msgs_per_hour_handle_SPAM>},
+            {SPAM, nada, nada, hora<&P::hora_spam>},
         };
         std::array<Coluna, 3> t{};
         for (Coluna& c : t) c.fill(nada);
@@ -208,8 +193,9 @@ class LogMailFileParser::Passada {
 
   private:
     bool linha(const LeitorCompacto::Linha& l);
+    bool estranha(char* texto);
+    bool termina_arquivo() { return iniciado_ = false; }
     void trata(LeitorCompacto::Partes& p);
-    void entrega(Replay::Acao a, const Lido& e, const Chave& id);
     void passa_por_cima();
     void antecipa();
     bool tranquilo() const;
@@ -252,21 +238,29 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
         iniciado_ = true;
         horas_.comeca_em(t);
     }
-    Lido e{0, campos_, l.usual ? -1 : reparte(texto, ' ', campos_), par_, nullptr};
-    e.t = l.usual ? l.cabeca.t : e.n > 0 ? strhex_to_time(campos_[0]) : 0;
-    if (e.t > end_) {
-        iniciado_ = false;
-        return false;
-    }
-    if (por_hora_ && !(e.hora = horas_.de(e.t))) return true;
-    const Replay::Acao a = l.usual ? acao(l.cabeca) : acao(e.n > 2 ? decimal32(campos_[2]) : 0);
+    if (!l.usual) return estranha(texto);
+    const long t = l.cabeca.t;
+    if (t > end_) return termina_arquivo();
+    MsgsData* hora = nullptr;
+    if (por_hora_ && !(hora = horas_.de(t))) return true;
+    const Replay::Acao a = acao(l.cabeca);
     if (!a) return true;
     LeitorCompacto::Partes p;
-    if (l.usual) {
-        LeitorCompacto::separa(l, p);
-        e.n = leitor_.campos(p, campos_);
-    }
-    entrega(a, e, p.id);
+    LeitorCompacto::separa(l, p);
+    const int n = leitor_.campos(p, campos_);
+    a(p_, {t, p.id.texto ? Campos(campos_, n, p.id) : Campos(campos_, n), par_, hora});
+    return true;
+}
+
+// The same for a line of another kind, which is taken apart first.
+bool LogMailFileParser::Passada::estranha(char* texto) {
+    const int n = reparte(texto, ' ', campos_);
+    const long t = n > 0 ? strhex_to_time(campos_[0]) : 0;
+    if (t > end_) return termina_arquivo();
+    MsgsData* hora = nullptr;
+    if (por_hora_ && !(hora = horas_.de(t))) return true;
+    if (const Replay::Acao a = acao(n > 2 ? decimal32(campos_[2]) : 0))
+        a(p_, {t, Campos(campos_, n), par_, hora});
     return true;
 }
 
@@ -274,17 +268,8 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
 void LogMailFileParser::Passada::trata(LeitorCompacto::Partes& p) {
     const Cabeca& c = p.linha->cabeca;
     const int n = leitor_.campos(p, campos_);
-    const Lido e{c.t, campos_, n, par_, horas_.agora()};
-    entrega((*coluna_)[static_cast<std::size_t>(c.status)], e, p.id);
-}
-
-void LogMailFileParser::Passada::entrega(Replay::Acao a, const Lido& e, const Chave& id) {
-    const struct Espera {
-        Trabalhos& t;
-        ~Espera() { t.espera({}); }
-    } espera{p_.trabalhos_};
-    p_.trabalhos_.espera(id);
-    a(p_, e);
+    const Campos campos = p.id.texto ? Campos(campos_, n, p.id) : Campos(campos_, n);
+    (*coluna_)[static_cast<std::size_t>(c.status)](p_, {c.t, campos, par_, horas_.agora()});
 }
 
 // Whether all the lines read are usual, not later than the end and of the hour that the replay is

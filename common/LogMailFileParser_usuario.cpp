@@ -1,4 +1,5 @@
 // The messages of given senders and recipients, from compact lines.
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <unordered_map>
@@ -43,6 +44,18 @@ bool cabe(std::uint32_t tamanho, unsigned min_kb, unsigned max_kb) {
            (max_kb == 0 || tamanho <= std::uint64_t{max_kb} * 1024);
 }
 
+params pedido(DList<Usuario>* remetentes, DList<Usuario>* destinatarios, unsigned min_kb,
+              unsigned max_kb, const char* msg_id, DList<UserMsgs>* msgs) {
+    params p{};
+    p.remetentes = remetentes;
+    p.destinatarios = destinatarios;
+    p.min_kb = min_kb;
+    p.max_kb = max_kb;
+    p.msg_id = const_cast<char*>(msg_id);
+    p.msgs = msgs;
+    return p;
+}
+
 void define_remetente(UserMsgs* linha, const char* nome) {
     char* novo = copia_texto(nome);
     delete[] linha->sendername;
@@ -65,7 +78,7 @@ struct LogMailFileParser::IndiceDeLinhas {
         for (UserMsgs* u = l->first(); u; u = u->next) linhas.emplace(u->msg_id, u);
     }
 
-    UserMsgs* procura(const char* id) const {
+    UserMsgs* procura(std::string_view id) const {
         const auto achada = linhas.find(id);
         return achada == linhas.end() ? nullptr : achada->second;
     }
@@ -73,14 +86,14 @@ struct LogMailFileParser::IndiceDeLinhas {
     void poe_na_frente(UserMsgs* u) { linhas[u->msg_id] = u; }
 };
 
-UserMsgs* LogMailFileParser::linha_de(DList<UserMsgs>* msgs, const char* id) {
-    return indice_ && indice_->lista == msgs ? indice_->procura(id) : procurar_msg(msgs, id);
+UserMsgs* LogMailFileParser::linha_de(DList<UserMsgs>* msgs, const Chave& id) {
+    return indice_ && indice_->lista == msgs ? indice_->procura(id) : procurar_msg(msgs, id.texto);
 }
 
 // A new row at the front of the list.
-UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const char* id) {
+UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) {
     UserMsgs* u = new UserMsgs{};
-    std::memcpy(u->msg_id, id, strnlen(id, sizeof u->msg_id - 1));
+    std::memcpy(u->msg_id, id.texto, std::min(id.tamanho, sizeof u->msg_id - 1));
     msgs->putFirst(u);
     if (indice_ && indice_->lista == msgs) indice_->poe_na_frente(u);
     return u;
@@ -94,13 +107,8 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
         return 0;
     }
     Filtro de(remetentes), para(destinatarios);
-    params p{};
-    p.msgs = msgs;
-    p.min_kb = static_cast<std::uint32_t>(min_kb);
-    p.max_kb = static_cast<std::uint32_t>(max_kb);
-    p.msg_id = const_cast<char*>(msg_id);
-    p.remetentes = de.lista();
-    p.destinatarios = para.lista();
+    params p = pedido(de.lista(), para.lista(), static_cast<std::uint32_t>(min_kb),
+                      static_cast<std::uint32_t>(max_kb), msg_id, msgs);
 
     IndiceDeLinhas indice(msgs);
     struct Devolve {
@@ -112,30 +120,26 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
     return 1;
 }
 
-int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
-                                               DList<Usuario>* destinatarios, unsigned min_kb,
-                                               unsigned max_kb, const char* msg_id, long t,
-                                               DList<UserMsgs>* msgs, char** campos, int n) {
-    if (n <= 5) {
+int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
+    if (c.n <= 5) {
         traco("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    const char* id = campos[3];
-    Trabalho* m = trabalhos_.novo(id, campos[5]);
-    if (n > 6) m->size = static_cast<std::uint32_t>(decimal32(campos[6]));
-    m->int_user = getUserType(campos[4]) == INTERNO;
+    Trabalho* m = trabalhos_.novo(c.id, c[5]);
+    if (c.n > 6) m->size = static_cast<std::uint32_t>(decimal32(c[6]));
+    m->int_user = getUserType(c[4]) == INTERNO;
 
-    const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
-    if ((remetentes || destinatarios) && !e_o_pedido &&
-        !(remetentes && remetido(remetentes, campos[5])))
+    const bool e_o_pedido = q.msg_id && std::strcmp(q.msg_id, c[3]) == 0;
+    if ((q.remetentes || q.destinatarios) && !e_o_pedido &&
+        !(q.remetentes && remetido(q.remetentes, c[5])))
         return 1;
-    if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
-    UserMsgs* u = nova_linha(msgs, id);
+    if (!cabe(m->size, q.min_kb, q.max_kb) || (q.msg_id && !e_o_pedido)) return 1;
+    UserMsgs* u = nova_linha(q.msgs, c.id);
     u->start_time = t;
     u->size = m->size;
     u->enviada = 'S';
     u->int_user = m->int_user;
-    define_remetente(u, campos[5]);
+    define_remetente(u, c[5]);
     return 1;
 }
 
@@ -146,25 +150,22 @@ bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* enderec
     return corta_dominio_local(local) && procurar_usuario(remetentes, local.c_str(), true);
 }
 
-int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
-                                           unsigned max_kb, const char* msg_id, long t,
-                                           DList<UserMsgs>* msgs, char** campos, int n) {
-    if (n <= 4) {
+int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
+    if (c.n <= 4) {
         traco("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    const char* id = campos[3];
-    const bool e_o_pedido = msg_id && std::strcmp(msg_id, id) == 0;
-    if (!e_o_pedido && !(destinatarios && procurar_usuario(destinatarios, campos[4], true)))
+    const bool e_o_pedido = q.msg_id && std::strcmp(q.msg_id, c[3]) == 0;
+    if (!e_o_pedido && !(q.destinatarios && procurar_usuario(q.destinatarios, c[4], true)))
         return 1;
-    Trabalho* m = trabalhos_.acha(id);
+    Trabalho* m = trabalhos_.acha(c.id);
     if (m) {
-        if (!cabe(m->size, min_kb, max_kb) || (msg_id && !e_o_pedido)) return 1;
+        if (!cabe(m->size, q.min_kb, q.max_kb) || (q.msg_id && !e_o_pedido)) return 1;
     } else {
-        m = trabalhos_.novo(id, nullptr);
+        m = trabalhos_.novo(c.id, nullptr);
     }
-    UserMsgs* u = linha_de(msgs, id);
-    if (!u) u = nova_linha(msgs, id);
+    UserMsgs* u = linha_de(q.msgs, c.id);
+    if (!u) u = nova_linha(q.msgs, c.id);
     if (m->sendername()) define_remetente(u, m->sendername());
     u->start_time = t;
     u->last_time = u->end_time = 0;
@@ -177,45 +178,44 @@ int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsign
     return 1;
 }
 
-int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
-    if (n <= 3) {
+int LogMailFileParser::user_end(const Campos& c) {
+    if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    Trabalho* m = trabalhos_.acha(campos[3]);
+    Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
     // Not fatal counts as an error from here on: a later hour report of this object shows it.
     m->error = !m->fatal_error;
     return 1;
 }
 
-int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    if (n <= 3) {
+int LogMailFileParser::user_virus(DList<UserMsgs>* msgs, const Campos& c) {
+    if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
         return 0;
     }
-    trabalhos_.acha_ou_novo(campos[3])->virus = true;
-    if (UserMsgs* u = linha_de(msgs, campos[3])) u->virus = true;
+    trabalhos_.acha_ou_novo(c.id)->virus = true;
+    if (UserMsgs* u = linha_de(msgs, c.id)) u->virus = true;
     return 1;
 }
 
 // The pending errors and the refused recipients of a working record are read by nobody, so only
 // what shows is kept of them: the flags, and the row's text.
-int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
-                                              ErrorType tipo) {
-    if (n <= 3) {
+int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo) {
+    if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
         return 0;
     }
-    Trabalho* m = trabalhos_.acha_ou_novo(campos[3]);
-    if (tipo == etHELO && n < 5) m->error = true;
+    Trabalho* m = trabalhos_.acha_ou_novo(c.id);
+    if (tipo == etHELO && c.n < 5) m->error = true;
     if (tipo == etSENDER) m->fatal_error = true;
-    UserMsgs* u = linha_de(msgs, campos[3]);
+    UserMsgs* u = linha_de(msgs, c.id);
     if (!u) return 1;
-    const bool detalhado = n > 4;
+    const bool detalhado = c.n > 4;
     switch (tipo) {
         case etCONNECT:
-            if (detalhado) marca_erro(u, std::string("Erro conectando ") + campos[4] + "\n");
+            if (detalhado) marca_erro(u, std::string("Erro conectando ") + c[4] + "\n");
             break;
         case etDATA:
             if (detalhado) marca_erro(u, "Erro na fase data!");
@@ -240,4 +240,29 @@ int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char*
             break;
     }
     return 1;
+}
+
+// --- The public handlers.
+
+int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
+                                               DList<Usuario>* destinatarios, unsigned min_kb,
+                                               unsigned max_kb, const char* msg_id, long t,
+                                               DList<UserMsgs>* msgs, char** campos, int n) {
+    return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs), t,
+                       {campos, n});
+}
+int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
+                                           unsigned max_kb, const char* msg_id, long t,
+                                           DList<UserMsgs>* msgs, char** campos, int n) {
+    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs), t, {campos, n});
+}
+int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
+    return user_end({campos, n});
+}
+int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
+    return user_virus(msgs, {campos, n});
+}
+int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
+                                              ErrorType tipo) {
+    return user_erro(msgs, {campos, n}, tipo);
 }

@@ -6,23 +6,22 @@
 #include <new>
 #include <type_traits>
 
-Trabalho* Trabalhos::acha_ou_novo(const char* id) {
+Trabalho* Trabalhos::acha_ou_novo(const Chave& id) {
     Trabalho* t = acha(id);
     return t ? t : novo(id, nullptr);
 }
 
-Trabalho* Trabalhos::novo(const char* id, const char* remetente) {
+Trabalho* Trabalhos::novo(Chave id, const char* remetente) {
     char cortado[sizeof Trabalho::id];
-    Chave chave = chave_de(id);
-    if (chave.tamanho >= sizeof cortado) {
-        std::memcpy(cortado, id, sizeof cortado - 1);
-        chave = Chave(cortado, sizeof cortado - 1);
+    if (id.tamanho >= sizeof cortado) {
+        std::memcpy(cortado, id.texto, sizeof cortado - 1);
+        id = Chave(cortado, sizeof cortado - 1);
     }
-    Trabalho* t = indice_.procurar(chave);
+    Trabalho* t = indice_.procurar(id);
     if (!t) {
         t = new (memoria_.toma(sizeof(Trabalho))) Trabalho;
-        std::memcpy(t->id, chave.texto, chave.tamanho);
-        indice_.putFirst(t, chave.hash);
+        std::memcpy(t->id, id.texto, id.tamanho);
+        indice_.putFirst(t, id.hash);
     }
     define_remetente(t, remetente);
     t->size = 0;

@@ -36,17 +36,13 @@ class Trabalhos {
     Trabalhos& operator=(const Trabalhos&) = delete;
 
     // The record of exactly this id, or null. Ids over 23 characters are never found.
-    Trabalho* acha(const char* id) const { return indice_.procurar(chave_de(id)); }
+    Trabalho* acha(const Chave& id) const { return indice_.procurar(id); }
     // The same, or a new one.
-    Trabalho* acha_ou_novo(const char* id);
+    Trabalho* acha_ou_novo(const Chave& id);
     // A record with nothing in it but the sender (null: unknown), in place of the one that the id
     // had.
-    Trabalho* novo(const char* id, const char* remetente);
+    Trabalho* novo(Chave id, const char* remetente);
     void esquece() noexcept;
-
-    // The key of the line being handled: a look for its very text need not compute it again. It
-    // holds until another one (perhaps none) is told.
-    void espera(const Chave& chave) { esperada_ = chave; }
 
     // A hint, for an id that will be looked up soon, by the hash of its key.
     void antecipa(std::uint32_t hash) const { indice_.antecipa(hash); }
@@ -54,9 +50,6 @@ class Trabalhos {
   private:
     void define_remetente(Trabalho* t, const char* nome);
 
-    Chave chave_de(const char* id) const { return id == esperada_.texto ? esperada_ : Chave(id); }
-
     Arena memoria_;  // of the records and of their senders' texts
     Tabela<Trabalho> indice_;
-    Chave esperada_;
 };

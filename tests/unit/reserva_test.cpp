@@ -54,10 +54,10 @@ TEST(Reserva, lugaresSaoDistintosEVoltam) {
 TEST(Reserva, lugarDoRemetenteFica) {
     Trabalhos trabalhos;
     const std::string id(24, 'i');
-    const char* lugar = trabalhos.novo(id.c_str(), "ana@local.test")->sendername();
+    const char* lugar = trabalhos.novo(Chave(id.c_str()), "ana@local.test")->sendername();
     EXPECT_STREQ(lugar, "ana@local.test");
-    EXPECT_EQ(trabalhos.novo(id.c_str(), nullptr)->sendername(), nullptr);
-    EXPECT_EQ(trabalhos.novo(id.c_str(), "eva")->sendername(), lugar);
+    EXPECT_EQ(trabalhos.novo(Chave(id.c_str()), nullptr)->sendername(), nullptr);
+    EXPECT_EQ(trabalhos.novo(Chave(id.c_str()), "eva")->sendername(), lugar);
     EXPECT_STREQ(lugar, "eva");
 }
 
