@@ -236,9 +236,7 @@ class LogMailFileParser : public LogFileParser {
         int n;
         Chave id;
 
-        Campos(char** c, int quantos) : texto(c), n(quantos) {
-            if (c && quantos > 3) id = Chave(c[3]);
-        }
+        Campos(char** c, int quantos);
         Campos(char** c, int quantos, const Chave& chave) : texto(c), n(quantos), id(chave) {}
         char* operator[](int i) const { return texto[i]; }
     };

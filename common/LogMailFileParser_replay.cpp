@@ -15,6 +15,11 @@ constexpr int horas_do_dia = 24;
 
 }  // namespace
 
+// Out of line: only rare lines come without their key.
+[[gnu::noinline]] LogMailFileParser::Campos::Campos(char** c, int quantos) : texto(c), n(quantos) {
+    if (c && quantos > 3) id = Chave(c[3]);
+}
+
 // One compact line, split: field 0 the time, 1 the agent, 2 the status, 3 the message id.
 struct LogMailFileParser::Lido {
     long t;

@@ -3,7 +3,7 @@ open_basedir holds for every path at each use: those that a script gives, the de
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
-$raiz = arvore(__FILE__);
+limpa($raiz = arvore(__FILE__));
 dia($raiz, "1 2 1 2 3 4 5 6 7 8\n[1]\nana 1 1 1 1 1 1 1 1\n", ['9:00:00 1 1 A INTERNO ana 100']);
 mkdir("$raiz/logs");
 ini_set('open_basedir', "/usr:$raiz");
