@@ -230,16 +230,17 @@ class LogMailFileParser : public LogFileParser {
 
     static constexpr std::size_t max_remetentes = 8192;
 
-    // The fields of a compact line, and field 3 as a key when there is one.
+    // The fields of a compact line, and field 3 as a key, without text when there is none.
     struct Campos {
         char** texto;
         int n;
-        Chave id;
+        const Chave& id;
 
-        Campos(char** c, int quantos);
-        Campos(char** c, int quantos, const Chave& chave) : texto(c), n(quantos), id(chave) {}
         char* operator[](int i) const { return texto[i]; }
     };
+    static Chave id_de(char** campos, int n) {
+        return campos && n > 3 ? Chave(campos[3]) : Chave();
+    }
 
     // What the public handlers of the reports do that look for messages by id, where the line's key
     // is known.

@@ -15,15 +15,10 @@ constexpr int horas_do_dia = 24;
 
 }  // namespace
 
-// Out of line: only rare lines come without their key.
-[[gnu::noinline]] LogMailFileParser::Campos::Campos(char** c, int quantos) : texto(c), n(quantos) {
-    if (c && quantos > 3) id = Chave(c[3]);
-}
-
 // One compact line, split: field 0 the time, 1 the agent, 2 the status, 3 the message id.
 struct LogMailFileParser::Lido {
     long t;
-    Campos campos;
+    const Campos& campos;
     params* par;
     MsgsData* hora;  // the row of the current hour, in the hour report
 };
@@ -253,7 +248,7 @@ bool LogMailFileParser::Passada::linha(const LeitorCompacto::Linha& l) {
     LeitorCompacto::Partes p;
     LeitorCompacto::separa(l, p);
     const int n = leitor_.campos(p, campos_);
-    a(p_, {t, p.id.texto ? Campos(campos_, n, p.id) : Campos(campos_, n), par_, hora});
+    a(p_, {t, {campos_, n, p.id}, par_, hora});
     return true;
 }
 
@@ -265,7 +260,7 @@ bool LogMailFileParser::Passada::estranha(char* texto) {
     MsgsData* hora = nullptr;
     if (por_hora_ && !(hora = horas_.de(t))) return true;
     if (const Replay::Acao a = acao(n > 2 ? decimal32(campos_[2]) : 0))
-        a(p_, {t, Campos(campos_, n), par_, hora});
+        a(p_, {t, {campos_, n, id_de(campos_, n)}, par_, hora});
     return true;
 }
 
@@ -273,8 +268,8 @@ bool LogMailFileParser::Passada::estranha(char* texto) {
 void LogMailFileParser::Passada::trata(LeitorCompacto::Partes& p) {
     const Cabeca& c = p.linha->cabeca;
     const int n = leitor_.campos(p, campos_);
-    const Campos campos = p.id.texto ? Campos(campos_, n, p.id) : Campos(campos_, n);
-    (*coluna_)[static_cast<std::size_t>(c.status)](p_, {c.t, campos, par_, horas_.agora()});
+    (*coluna_)[static_cast<std::size_t>(c.status)](p_,
+                                                   {c.t, {campos_, n, p.id}, par_, horas_.agora()});
 }
 
 // Whether all the lines read are usual, not later than the end and of the hour that the replay is

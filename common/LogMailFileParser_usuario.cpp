@@ -249,20 +249,21 @@ int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
                                                unsigned max_kb, const char* msg_id, long t,
                                                DList<UserMsgs>* msgs, char** campos, int n) {
     return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs), t,
-                       {campos, n});
+                       {campos, n, id_de(campos, n)});
 }
 int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
                                            unsigned max_kb, const char* msg_id, long t,
                                            DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs), t, {campos, n});
+    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs), t,
+                   {campos, n, id_de(campos, n)});
 }
 int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
-    return user_end({campos, n});
+    return user_end({campos, n, id_de(campos, n)});
 }
 int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_virus(msgs, {campos, n});
+    return user_virus(msgs, {campos, n, id_de(campos, n)});
 }
 int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
                                               ErrorType tipo) {
-    return user_erro(msgs, {campos, n}, tipo);
+    return user_erro(msgs, {campos, n, id_de(campos, n)}, tipo);
 }

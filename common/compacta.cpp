@@ -134,7 +134,11 @@ void LeitorCompacto::separa(const Linha& linha, Partes& p) {
 }
 
 int LeitorCompacto::campos(Partes& p, char** campos) {
-    if (!p.id.texto) return reparte(copia(*p.linha), ' ', campos);
+    if (!p.id.texto) {
+        const int n = reparte(copia(*p.linha), ' ', campos);
+        if (n > 3) p.id = Chave(campos[3]);
+        return n;
+    }
     for (int i = 0; i < p.campos; ++i) campos[i] = p.texto + p.inicios[i];
     return p.campos;
 }

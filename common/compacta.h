@@ -177,8 +177,8 @@ class LeitorCompacto {
     char* copia(const Linha& linha);
     // Takes a usual line apart, which must stay as it is until campos() was asked.
     static void separa(const Linha& linha, Partes& p);
-    // The fields of such a line, as explode() answers them with blanks; returns how many. They hold
-    // until the next call or change of `p`.
+    // The fields of such a line, as explode() answers them with blanks; returns how many. They and
+    // `p.id`, which then has a text, hold until the next call or change of `p`.
     int campos(Partes& p, char** campos);
 
   private:
