@@ -40,11 +40,8 @@ final readonly class Filtro
                 'Ask for a user, or else for sender and recipient, not for both.'
             );
         }
-        if ($id !== null && preg_match('/^$|[\x00\n\r ]/', $id)) {
-            throw EntradaInvalida::filtro(
-                'O identificador da mensagem está vazio ou tem espaços: copie-o inteiro, sem nada em volta.',
-                'The id of the message is empty or has blanks: copy all of it, and nothing around it.'
-            );
+        if ($id !== null) {
+            self::verificaId($id);
         }
         if ($minKb < 0 || $maxKb < 0 || ($maxKb > 0 && $minKb > $maxKb)) {
             throw EntradaInvalida::filtro(
@@ -57,6 +54,17 @@ final readonly class Filtro
                 'Sem filtro viriam todas as mensagens: dê um usuário, um remetente, um destinatário ou um '
                     . 'identificador, ou peça todas.',
                 'Without a filter all messages would come: give a user, a sender, a recipient or an id, or ask for all.'
+            );
+        }
+    }
+
+    /** @throws EntradaInvalida for what is no message's id */
+    public static function verificaId(string $id): void
+    {
+        if (preg_match('/^$|[\x00\n\r ]/', $id)) {
+            throw EntradaInvalida::filtro(
+                'O identificador da mensagem está vazio ou tem espaços: copie-o inteiro, sem nada em volta.',
+                'The id of the message is empty or has blanks: copy all of it, and nothing around it.'
             );
         }
     }

@@ -28,8 +28,15 @@ use Vorna\Mrel\Linha\Totais;
  */
 final readonly class Relatorios
 {
+    private Dias $dias;
+    private Motor $motor;
+    private Transbordo $transbordo;
+
     public function __construct(private Relay $relay)
     {
+        $this->dias = new Dias($relay->dados);
+        $this->motor = new Motor($relay);
+        $this->transbordo = new Transbordo($this->dias, $this->motor);
     }
 
     /**
@@ -39,6 +46,8 @@ final readonly class Relatorios
      */
     public function totais(Periodo $periodo): \Generator
     {
+        $this->arquivos(Dias::ESTATISTICA, $periodo);
+        return $this->linhasDeTotais($this->motor->pergunta('msgs_per_day', ...[...$periodo->dias(), ' ']));
     }
 
     /**
@@ -52,6 +61,9 @@ final readonly class Relatorios
      */
     public function porUsuario(Periodo $periodo, array $usuarios): \Generator
     {
+        array_map(Nome::verifica(...), $usuarios ?: ['']);
+        $this->arquivos(Dias::ESTATISTICA, $periodo);
+        return $this->linhasDeUsuarios($periodo, array_unique($usuarios));
     }
 
     /**
@@ -63,6 +75,18 @@ final readonly class Relatorios
      */
     public function horas(Periodo $periodo): array
     {
+        $this->arquivos(Dias::COMPACTO, $periodo);
+        $itr = $this->motor->pergunta('msgs_per_hour', ...[...$periodo->eventos(), ' ']);
+        for ($linhas = []; $itr->fetch();) {
+            $linhas[] = [$itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam, $itr->virus,
+                $itr->error];
+        }
+        $incerta = $this->transbordo->dasHoras($periodo, $linhas);
+        $horas = [];
+        foreach ($linhas as $hora => $linha) {
+            $horas[] = new Hora($hora, ...[...$linha, static fn (): bool => $incerta($hora)]);
+        }
+        return $horas;
     }
 
     /**
@@ -73,6 +97,9 @@ final readonly class Relatorios
      */
     public function horasDe(Periodo $periodo, string $usuario): \Generator
     {
+        Nome::verifica($usuario);
+        $dias = array_keys($this->arquivos(Dias::ESTATISTICA, $periodo));
+        return $this->linhasDeHoras($periodo, $dias, $usuario);
     }
 
     /**
@@ -82,6 +109,8 @@ final readonly class Relatorios
      */
     public function mensagens(Periodo $periodo, Filtro $filtro): \Generator
     {
+        return (new Busca($this->arquivos(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES)), $periodo, $filtro))
+            ->mensagens();
     }
 
     /**
@@ -91,6 +120,11 @@ final readonly class Relatorios
      */
     public function rastro(string $id, ?Periodo $periodo = null): ?Rastro
     {
+        Filtro::verificaId($id);
+        $todos = $periodo ?? $this->todosOsDias();
+        $dias = array_keys($this->arquivos(Dias::COMPACTO, $todos));
+        $rastreio = new Rastreio($this->motor, $todos->fuso);
+        return $periodo ? $rastreio->no($periodo, $id) : $rastreio->emTodos($dias, $id);
     }
 
     /**
@@ -107,5 +141,78 @@ final readonly class Relatorios
         int $n = 20,
         bool $dominios = false,
     ): array {
+        if ($n < 1) {
+            throw EntradaInvalida::quantidade($n);
+        }
+        $arquivos = $this->arquivos(Dias::ESTATISTICA, $periodo);
+        $maiores = new Maiores($this->relay->dominios, $por, $dominios);
+        array_map($maiores->soma(...), $arquivos);
+        $incertos = $por->deBytes() ? $this->transbordo->dosDias($periodo) : static fn (): bool => false;
+        $posicoes = [];
+        foreach ($maiores->primeiros($n) as $nome => $valor) {
+            $posicoes[] = new Posicao(count($posicoes) + 1, Texto::utf8((string) $nome), $valor, $incertos);
+        }
+        return $posicoes;
+    }
+
+    /** @throws NenhumDia */
+    private function todosOsDias(): Periodo
+    {
+        $dias = $this->dias->todos() ?: throw NenhumDia::em($this->relay->dados);
+        return Periodo::de($dias[0], end($dias), $this->relay->fuso);
+    }
+
+    /**
+     * @return array<string, string> by day
+     * @throws ModuloAusente
+     * @throws DadosInacessiveis
+     * @throws NenhumDia
+     * @throws DiaIlegivel
+     */
+    private function arquivos(string $tipo, Periodo $periodo): array
+    {
+        Motor::exige();
+        return $this->dias->arquivos($tipo, $periodo);
+    }
+
+    private function linhasDeTotais(\vt_mrel_itr $itr): \Generator
+    {
+        while ($itr->fetch()) {
+            $dia = gmdate('Y-m-d', $itr->timestamp);
+            yield new Totais($dia, $itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam,
+                $itr->virus, $itr->error, $this->transbordo->doDia($dia));
+        }
+    }
+
+    /** A question a name: asked together, a name and its address would share their lines out. */
+    private function linhasDeUsuarios(Periodo $periodo, array $usuarios): \Generator
+    {
+        foreach ($usuarios as $usuario) {
+            $nome = Texto::latin1($usuario);
+            if ($nome === null) {
+                continue;  // a character that no log can hold
+            }
+            $itr = $this->motor->pergunta('msgs_per_day', ...[...$periodo->dias(), $nome]);
+            $itr->fetch();
+            while ($itr->fetch_msgs_per_day()) {
+                $dia = gmdate('Y-m-d', $itr->timestamp);
+                // Of a user "ext" is what he sent and "int" what he received; spam and error are crossed.
+                yield new DiaDeUsuario($usuario, $dia, $itr->msgs_ext, $itr->bytes_ext, $itr->msgs_int,
+                    $itr->bytes_int, $itr->error, $itr->virus, $itr->spam, $this->transbordo->doDia($dia));
+            }
+        }
+    }
+
+    private function linhasDeHoras(Periodo $periodo, array $dias, string $usuario): \Generator
+    {
+        $nome = Texto::latin1($usuario) ?? "\x01";  // nobody's: all the hours come, empty
+        $itr = $this->motor->pergunta('msgs_per_hour', ...[...$periodo->dias(), $nome]);
+        for ($n = 0; $itr->fetch(); ++$n) {
+            $dia = $dias[intdiv($n, 24)];
+            $inicio = (new \DateTimeImmutable("@$itr->timestamp"))->setTimezone($periodo->fuso);
+            yield new HoraDeUsuario($usuario, $dia, $inicio, (int) $inicio->format('G'), $itr->msgs_ext,
+                $itr->bytes_ext, $itr->msgs_int, $itr->bytes_int, $itr->error, $itr->virus, $itr->spam,
+                $this->transbordo->doDia($dia));
+        }
     }
 }
