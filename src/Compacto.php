@@ -7,11 +7,12 @@ namespace Vorna\Mrel;
 /** Reads compact files, a block of whole lines at a time: a day of a large relay has hundreds of MiB. */
 final class Compacto
 {
-    private const BLOCO = 1 << 18;
+    private const BLOCO = 1 << 20;
 
     public const SUBMISSAO = '1';
     public const ACEITE = '2';
     public const FIM = '4';
+    public const VIRUS = '15';
 
     /** @return \Generator<int, string> every line but the last of the file ends in LF */
     public static function blocos(string $arquivo): \Generator

@@ -81,6 +81,23 @@ final readonly class Dias
         return $arquivos;
     }
 
+    /**
+     * The files of one kind that are there and can be read, by day: for what may be missing.
+     *
+     * @return array<string, string>
+     */
+    public function legiveis(string $tipo, Periodo $periodo): array
+    {
+        $arquivos = [];
+        foreach ($periodo->cadaDia() as $dia) {
+            $arquivo = $this->caminho($tipo, $dia->primeiro);
+            if (is_file($arquivo) && is_readable($arquivo)) {
+                $arquivos[$dia->primeiro] = $arquivo;
+            }
+        }
+        return $arquivos;
+    }
+
     /** Where the file of a day is, or would be. */
     public function caminho(string $tipo, string $dia): string
     {

@@ -109,8 +109,9 @@ final readonly class Relatorios
      */
     public function mensagens(Periodo $periodo, Filtro $filtro): \Generator
     {
-        return (new Busca($this->arquivos(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES)), $periodo, $filtro))
-            ->mensagens();
+        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
+        $anteriores = $this->dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES));
+        return (new Busca($arquivos, array_diff_key($anteriores, $arquivos), $periodo, $filtro))->mensagens();
     }
 
     /**
