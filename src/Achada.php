@@ -24,12 +24,15 @@ final class Achada
     {
     }
 
-    /** @param ?array{int, string, int, bool} $submissao time, sender, size, whether a virus was found since */
+    /** @param ?array{string, string, bool} $submissao time, what stands behind the id, whether a virus was found since */
     public function define(?array $submissao): void
     {
-        if ($submissao) {
-            [$this->submetida, $this->remetente, $this->bytes, $virus] = $submissao;
-            $this->virus = $this->virus || $virus;
+        $campos = explode(' ', $submissao[1] ?? '', 4);  // class, sender, size
+        if (isset($campos[1])) {
+            $this->submetida = (int) hexdec($submissao[0]);
+            $this->remetente = $campos[1];
+            $this->bytes = (int) ($campos[2] ?? 0) & 0xFFFFFFFF;
+            $this->virus = $this->virus || $submissao[2];
         }
     }
 }

@@ -48,7 +48,7 @@ final class Busca
     private array $adiadas = [];
     /** @var array<string, string> ids whose row is settled, with the day of their last event */
     private array $resolvidas = [];
-    /** @var array<string, array{int, string, int, bool}> submissions met of messages still on their way */
+    /** @var array<string, array{string, string, bool}> submissions met of messages still on their way */
     private array $origens = [];
 
     /**
@@ -121,10 +121,25 @@ final class Busca
 
     private function le(string $arquivo): void
     {
+        $guarda = $this->para && !$this->entre;
+        $nome = $this->de ? $this->de->bytes ?? "\n" : ($this->para ? "\n" : '');
         foreach (Compacto::blocos($arquivo) as $bloco) {
             [$tempos, $status, $ids, $restos] = $this->selecao->eventos($bloco, $this->abertas, $this->faz(...));
             foreach ($ids as $i => $id) {
-                $this->trata($status[$i], $id, $tempos[$i], $restos[$i]);
+                // Most lines of a block are ends and submissions of messages that nobody asked for.
+                if ($status[$i] === Compacto::FIM) {
+                    unset($this->abertas[$id], $this->origens[$id]);
+                    if (isset($this->linhas[$id])) {
+                        $this->linhas[$id]->encerrada = true;
+                    }
+                } elseif ($status[$i] === Compacto::SUBMISSAO && stripos($restos[$i], $nome) === false) {
+                    if ($guarda) {
+                        $this->origens[$id] = [$tempos[$i], $restos[$i], false];
+                    }
+                    unset($this->resolvidas[$id]);
+                } else {
+                    $this->trata($status[$i], $id, $tempos[$i], $restos[$i]);
+                }
             }
         }
     }
@@ -184,7 +199,7 @@ final class Busca
     private function trata(string $status, string $id, string $tempo, string $resto): void
     {
         if ($status === Compacto::SUBMISSAO) {
-            $this->submetida($id, self::origem($tempo, $resto));
+            $this->submetida($id, [$tempo, $resto, false]);
             return;
         }
         $a = $this->linhas[$id] ?? null;
@@ -194,36 +209,25 @@ final class Busca
         }
         if ($a) {
             $this->evento($a, $status, $tempo, $resto);
-        }
-        if ($status === Compacto::FIM) {
-            unset($this->abertas[$id], $this->origens[$id]);
         } elseif ($status === Compacto::VIRUS && isset($this->origens[$id])) {
-            $this->origens[$id][3] = true;
+            $this->origens[$id][2] = true;
         }
     }
 
-    /** @param ?array{int, string, int, bool} $origem */
-    private function submetida(string $id, ?array $origem): void
+    /** @param array{string, string, bool} $origem */
+    private function submetida(string $id, array $origem): void
     {
         unset($this->resolvidas[$id]);
-        if ($origem && $this->enviada($id, $origem[1])) {
+        if ($this->enviada($id, explode(' ', $origem[1], 3)[1] ?? null)) {
             if (isset($this->linhas[$id])) {
                 $this->refeitas[] = $this->linhas[$id];
             }
             $a = $this->linhas[$id] = $this->abertas[$id] = new Achada($id);
             $a->define($origem);
             $a->enviada = true;
-        } elseif ($origem && $this->para && !$this->entre) {
+        } elseif ($this->para && !$this->entre) {
             $this->origens[$id] = $origem;
         }
-    }
-
-    /** @return ?array{int, string, int, bool} time, sender, size of a submission; no virus found so far */
-    private static function origem(string $tempo, string $resto): ?array
-    {
-        $campos = explode(' ', $resto, 4);
-        return isset($campos[1])
-            ? [(int) hexdec($tempo), $campos[1], (int) ($campos[2] ?? 0) & 0xFFFFFFFF, false] : null;
     }
 
     /** Whether an acceptance makes a row of its own: nobody's submission had made one. */
@@ -286,7 +290,7 @@ final class Busca
                 foreach ($ids as $i => $id) {
                     $a = $semOrigem[$id] ?? null;
                     if ($a && $status[$i] === Compacto::SUBMISSAO) {
-                        $a->define(self::origem($tempos[$i], $restos[$i]));
+                        $a->define([$tempos[$i], $restos[$i], false]);
                     } elseif ($a && $status[$i] === Compacto::VIRUS) {
                         $a->virus = true;
                     }

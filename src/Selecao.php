@@ -14,7 +14,7 @@ namespace Vorna\Mrel;
 final readonly class Selecao
 {
     /** From about so many texts on, looking for each costs more than the pattern. */
-    private const MUITOS = 40;
+    private const MUITOS = 8;
 
     /** Submission, end, and what marks a row: errors, virus. */
     private const SEMPRE = '1|4|5|8|9|10|13|15|17';
@@ -60,7 +60,7 @@ final readonly class Selecao
     public function eventos(string $bloco, array $abertas, \Closure $faz): array
     {
         if ($this->texto === null || count($abertas) > self::MUITOS
-            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > 4 * self::MUITOS) {
+            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > 3 * self::MUITOS) {
             return self::colunas($this->todos, $bloco);
         }
         $linhas = [];
