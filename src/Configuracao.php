@@ -57,15 +57,21 @@ final readonly class Configuracao
     public function relay(?string $nome = null): Relay
     {
         if ($nome === null && count($this->relays) === 1) {
-            return reset($this->relays);
+            return array_values($this->relays)[0];
         }
         $nomes = implode(', ', array_keys($this->relays));
         if ($nome === null) {
-            throw self::falha($this->arquivo, "tem vários relays: escolha um de $nomes.",
-                "has several relays: choose one of $nomes.");
+            throw self::falha(
+                $this->arquivo,
+                "tem vários relays: escolha um de $nomes.",
+                "has several relays: choose one of $nomes."
+            );
         }
-        return $this->relays[$nome] ?? throw self::falha($this->arquivo,
-            "não tem o relay \"$nome\": escolha um de $nomes.", "has no relay \"$nome\": choose one of $nomes.");
+        return $this->relays[$nome] ?? throw self::falha(
+            $this->arquivo,
+            "não tem o relay \"$nome\": escolha um de $nomes.",
+            "has no relay \"$nome\": choose one of $nomes."
+        );
     }
 
     /** @return array<string, array<string, string>> */
@@ -85,13 +91,18 @@ final readonly class Configuracao
                     throw self::falha($arquivo, "repete [$secao] na linha $n.", "repeats [$secao] in line $n.");
                 }
                 $secoes[$secao] = [];
-            } elseif ($secao !== null && preg_match('/^(\w+)\s*=\s*(.*)$/', $linha, $m)
-                && in_array($m[1], self::CHAVES, true)) {
+            } elseif (
+                $secao !== null && preg_match('/^(\w+)\s*=\s*(.*)$/', $linha, $m)
+                && in_array($m[1], self::CHAVES, true)
+            ) {
                 $secoes[$secao][$m[1]] = preg_replace('/^(["\'])(.*)\1$/', '$2', $m[2]);
             } else {
                 $chaves = implode(', ', self::CHAVES);
-                throw self::falha($arquivo, "tem na linha $n o que não é [nome] nem um de $chaves.",
-                    "has in line $n what is neither [name] nor one of $chaves.");
+                throw self::falha(
+                    $arquivo,
+                    "tem na linha $n o que não é [nome] nem um de $chaves.",
+                    "has in line $n what is neither [name] nor one of $chaves."
+                );
             }
         }
         return $secoes;

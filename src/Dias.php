@@ -34,8 +34,10 @@ final readonly class Dias
         $dias = [];
         foreach ($this->meses() as $pasta => $mes) {
             foreach ($this->conteudo("$this->dados/$pasta") as $nome) {
-                if (preg_match('/^(?:mail_stat|compact_mail)_(\d\d)\.txt$/D', $nome, $d)
-                    && Periodo::existe("$mes-$d[1]")) {
+                if (
+                    preg_match('/^(?:mail_stat|compact_mail)_(\d\d)\.txt$/D', $nome, $d)
+                    && Periodo::existe("$mes-$d[1]")
+                ) {
                     $dias["$mes-$d[1]"] = true;
                 }
             }

@@ -90,8 +90,20 @@ final readonly class Exportacao
                 for ($i = 1; $i < 9; ++$i) {
                     $n[] = ($c[$i] ?? 0) & 0xFFFFFFFF;  // written signed, counted without a sign
                 }
-                yield new ContasDeUsuario($dia, $inicio, $hora, Texto::utf8($c[0]), $n[0], $n[2], $n[1], $n[3],
-                    $n[4], $n[5], $n[6], $n[7]);
+                yield new ContasDeUsuario(
+                    $dia,
+                    $inicio,
+                    $hora,
+                    Texto::utf8($c[0]),
+                    $n[0],
+                    $n[2],
+                    $n[1],
+                    $n[3],
+                    $n[4],
+                    $n[5],
+                    $n[6],
+                    $n[7]
+                );
             }
             fclose($f);
         }
@@ -125,8 +137,17 @@ final readonly class Exportacao
         $resto = $c[4] ?? '';
         if ($tipo === '1') {
             $s = explode(' ', $resto, 4);
-            return new Evento($dia, $n, $segundos, $nome, $c[3], $s[1] ?? '', $s[0],
-                isset($s[2]) ? (int) $s[2] & 0xFFFFFFFF : null, $s[3] ?? '');
+            return new Evento(
+                $dia,
+                $n,
+                $segundos,
+                $nome,
+                $c[3],
+                $s[1] ?? '',
+                $s[0],
+                isset($s[2]) ? (int) $s[2] & 0xFFFFFFFF : null,
+                $s[3] ?? ''
+            );
         }
         return isset(self::COM_NOME[$tipo])
             ? new Evento($dia, $n, $segundos, $nome, $c[3], $resto, '', null, '')

@@ -32,8 +32,11 @@ final readonly class Nome
             throw EntradaInvalida::nome($texto, 'tem uma vírgula.', 'it has a comma.');
         }
         if (preg_match('/[\x00\n\r ]/', $texto)) {
-            throw EntradaInvalida::nome($texto, 'tem um espaço ou uma quebra de linha.',
-                'it has a blank or a line end.');
+            throw EntradaInvalida::nome(
+                $texto,
+                'tem um espaço ou uma quebra de linha.',
+                'it has a blank or a line end.'
+            );
         }
     }
 

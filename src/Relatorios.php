@@ -180,8 +180,17 @@ final readonly class Relatorios
     {
         while ($itr->fetch()) {
             $dia = gmdate('Y-m-d', $itr->timestamp);
-            yield new Totais($dia, $itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam,
-                $itr->virus, $itr->error, $this->transbordo->doDia($dia));
+            yield new Totais(
+                $dia,
+                $itr->msgs_int,
+                $itr->bytes_int,
+                $itr->msgs_ext,
+                $itr->bytes_ext,
+                $itr->spam,
+                $itr->virus,
+                $itr->error,
+                $this->transbordo->doDia($dia)
+            );
         }
     }
 
@@ -198,8 +207,18 @@ final readonly class Relatorios
             while ($itr->fetch_msgs_per_day()) {
                 $dia = gmdate('Y-m-d', $itr->timestamp);
                 // Of a user "ext" is what he sent and "int" what he received; spam and error are crossed.
-                yield new DiaDeUsuario($usuario, $dia, $itr->msgs_ext, $itr->bytes_ext, $itr->msgs_int,
-                    $itr->bytes_int, $itr->error, $itr->virus, $itr->spam, $this->transbordo->doDia($dia));
+                yield new DiaDeUsuario(
+                    $usuario,
+                    $dia,
+                    $itr->msgs_ext,
+                    $itr->bytes_ext,
+                    $itr->msgs_int,
+                    $itr->bytes_int,
+                    $itr->error,
+                    $itr->virus,
+                    $itr->spam,
+                    $this->transbordo->doDia($dia)
+                );
             }
         }
     }
@@ -211,9 +230,20 @@ final readonly class Relatorios
         for ($n = 0; $itr->fetch(); ++$n) {
             $dia = $dias[intdiv($n, 24)];
             $inicio = (new \DateTimeImmutable("@$itr->timestamp"))->setTimezone($periodo->fuso);
-            yield new HoraDeUsuario($usuario, $dia, $inicio, (int) $inicio->format('G'), $itr->msgs_ext,
-                $itr->bytes_ext, $itr->msgs_int, $itr->bytes_int, $itr->error, $itr->virus, $itr->spam,
-                $this->transbordo->doDia($dia));
+            yield new HoraDeUsuario(
+                $usuario,
+                $dia,
+                $inicio,
+                (int) $inicio->format('G'),
+                $itr->msgs_ext,
+                $itr->bytes_ext,
+                $itr->msgs_int,
+                $itr->bytes_int,
+                $itr->error,
+                $itr->virus,
+                $itr->spam,
+                $this->transbordo->doDia($dia)
+            );
         }
     }
 }

@@ -59,8 +59,10 @@ final readonly class Selecao
      */
     public function eventos(string $bloco, array $abertas, \Closure $faz): array
     {
-        if ($this->texto === null || count($abertas) > self::MUITOS
-            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > 3 * self::MUITOS) {
+        if (
+            $this->texto === null || count($abertas) > self::MUITOS
+            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > 3 * self::MUITOS
+        ) {
             return self::colunas($this->todos, $bloco);
         }
         $linhas = [];

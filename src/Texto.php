@@ -6,13 +6,20 @@ namespace Vorna\Mrel;
 
 use Vorna\Mrel\Falha\EntradaInvalida;
 
-/** Texts between the day files, which are ISO-8859-1, and everybody else, who reads UTF-8. */
+/**
+ * Texts between the day files, which are ISO-8859-1, and everybody else, who reads UTF-8. Done by hand:
+ * iconv and mbstring are modules that an engine may lack.
+ */
 final class Texto
 {
     /** Every byte from 0x01 to 0xFF has its character, so this cannot fail. */
     public static function utf8(string $latin1): string
     {
-        return preg_match('/[\x80-\xFF]/', $latin1) ? iconv('ISO-8859-1', 'UTF-8', $latin1) : $latin1;
+        return preg_replace_callback(
+            '/[\x80-\xFF]/',
+            static fn (array $m): string => chr(0xC0 | ord($m[0]) >> 6) . chr(0x80 | ord($m[0]) & 0x3F),
+            $latin1
+        );
     }
 
     /**
@@ -28,7 +35,13 @@ final class Texto
         if (!preg_match('//u', $utf8)) {
             throw EntradaInvalida::texto($utf8);
         }
-        $latin1 = @iconv('UTF-8', 'ISO-8859-1', $utf8);
-        return $latin1 === false ? null : $latin1;
+        if (preg_match('/[\xC4-\xFF]/', $utf8)) {
+            return null;
+        }
+        return preg_replace_callback(
+            '/[\xC2\xC3][\x80-\xBF]/',
+            static fn (array $m): string => chr((ord($m[0][0]) & 3) << 6 | ord($m[0][1]) & 0x3F),
+            $utf8
+        );
     }
 }
