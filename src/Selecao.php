@@ -39,7 +39,8 @@ final readonly class Selecao
         $aceites = match (true) {
             $deTodos => '|2',
             $para?->bytes === null => '',
-            default => '|2(?= [^ \n]+ (?i:' . preg_quote($para->bytes, '/') . ')' . ($para->comeco ? ')' : '(?:[ \n]|\z))'),
+            default => '|2(?= [^ \n]+ (?i:' . preg_quote($para->bytes, '/') . ')'
+                . ($para->comeco ? ')' : '(?:[ \n]|\z))'),
         };
         $this->seus = self::padrao('|2');
         $this->todos = self::padrao($aceites);
