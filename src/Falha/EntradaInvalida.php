@@ -1,0 +1,79 @@
+<?php
+
+declare(strict_types=1);
+
+namespace Vorna\Mrel\Falha;
+
+use Vorna\Mrel\Falha;
+
+/** A date, a period, a name, a number that was asked for and that cannot be. */
+final class EntradaInvalida extends Falha
+{
+    public static function data(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "\"$t\" não é uma data: escreva ano, mês e dia como 2026-03-10, de 2000 a 2099.",
+            "\"$t\" is not a date: write year, month and day as 2026-03-10, from 2000 to 2099."
+        );
+    }
+
+    public static function mes(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "\"$t\" não é um mês: escreva ano e mês como 2026-03, de 2000 a 2099.",
+            "\"$t\" is not a month: write year and month as 2026-03, from 2000 to 2099."
+        );
+    }
+
+    public static function periodo(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "\"$t\" não é uma data nem um período: escreva 2026-03-10, hoje, ontem, ultimos-7, este-mes ou "
+                . "mes-passado.",
+            "\"$t\" is neither a date nor a period: write 2026-03-10, today, yesterday, last-7, this-month "
+                . "or last-month."
+        );
+    }
+
+    public static function invertido(string $de, string $ate): self
+    {
+        return new self(
+            "O período está invertido: $de vem depois de $ate. Troque as duas datas.",
+            "The period is inverted: $de is after $ate. Exchange the two dates."
+        );
+    }
+
+    public static function quantidade(int $n): self
+    {
+        return new self(
+            "$n não serve de quantidade: escreva um número a partir de 1.",
+            "$n cannot be a number of them: write a number from 1 on."
+        );
+    }
+
+    public static function nome(string $texto, string $porque, string $why): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "O nome \"$t\" não serve: $porque Escreva um endereço inteiro por vez.",
+            "The name \"$t\" cannot be: $why Write one whole address at a time."
+        );
+    }
+
+    public static function texto(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "\"$t\" não é texto em UTF-8: escreva-o de novo.",
+            "\"$t\" is not UTF-8 text: write it again."
+        );
+    }
+
+    public static function filtro(string $frase, string $emIngles): self
+    {
+        return new self($frase, $emIngles);
+    }
+}

@@ -1,0 +1,31 @@
+<?php
+
+declare(strict_types=1);
+
+namespace Vorna\Mrel\Linha;
+
+/** What one user sent and received on one day. */
+final readonly class DiaDeUsuario
+{
+    /** @param \Closure(): bool $incertos */
+    public function __construct(
+        public string $usuario,
+        /** "2026-03-10" */
+        public string $dia,
+        public int $enviadas,
+        public int $bytesEnviados,
+        public int $recebidas,
+        public int $bytesRecebidos,
+        public int $spam,
+        public int $virus,
+        public int $comErro,
+        private \Closure $incertos,
+    ) {
+    }
+
+    /** Whether the bytes may have begun again at 0: the counters are of 32 bits. Reads the day's events. */
+    public function bytesIncertos(): bool
+    {
+        return ($this->incertos)();
+    }
+}
