@@ -55,11 +55,11 @@ function papel(array $dia, int $arquivos, float $cpu, float $bytes, float $horas
         in_array($que, $so_uma, true) ? 'as one' : $f($todos), $f($grande)], array_keys($linhas), $linhas);
 }
 
-// Replaces what stands between <!-- bench: NAME --> and <!-- /bench --> in a document.
+// Replaces what stands between <!-- WHO: NAME --> and <!-- /WHO --> in a document; WHO is who measured.
 function anota(string $documento, string $nome, string $texto): void
 {
-    $novo = preg_replace_callback("~(<!-- bench: $nome -->\n).*?(<!-- /bench -->)~s",
-        fn(array $m) => "$m[1]$texto$m[2]", file_get_contents($documento), -1, $vezes);
+    $novo = preg_replace_callback("~(<!-- (\w+): $nome -->\n).*?(<!-- /\\2 -->)~s",
+        fn(array $m) => "$m[1]$texto$m[3]", file_get_contents($documento), -1, $vezes);
     $vezes === 1 || para("$documento has no place for: $nome");
     file_put_contents($documento, $novo);
 }
