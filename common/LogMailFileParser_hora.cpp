@@ -91,7 +91,7 @@ int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** c
 
 int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
     if (n <= 3) {
-        // Under the other event's name, as the traces have always said it.
+        // Under the other event's name, as traces have always had it.
         traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
         return 0;
     }

@@ -27,7 +27,7 @@ inline bool tem_chave(const Trabalho& t, const Chave& c) {
 }
 
 // Kept from one report of a parser to the next: lines whose submission lies before the range find
-// the record that an earlier report left. One record an id, so that reports which are repeated cost
+// the record that an earlier report left. There is one record an id, so that repeated reports cost
 // nothing more.
 class Trabalhos {
   public:
@@ -44,8 +44,8 @@ class Trabalhos {
     Trabalho* novo(const char* id, const char* remetente);
     void esquece() noexcept;
 
-    // The key of the line being handled: a look for its very text need not compute it again. It
-    // holds until another one (perhaps none) is told.
+    // Sets the key of the line being handled, so that a lookup of this very text need not compute
+    // it again. It holds until the next call, which may bring none.
     void espera(const Chave& chave) { esperada_ = chave; }
 
     // A hint, for an id that will be looked up soon, by the hash of its key.
