@@ -5,12 +5,12 @@
 #include "borland/vtstring.h"
 #include "borland/vtstringlist.h"
 
-// One key is open at a time; its values are in memory and go back to its file, when they were
-// changed, as the next key is opened, on CloseKey() and on destruction. A failure to write them is
-// not told, but leaves the old file whole.
+// One key is open at a time. Its values are in memory; if they were changed, they are written to
+// its file when the next key is opened, on CloseKey() and on destruction. A failure to write them
+// is not reported, but leaves the old file whole.
 //
 // The key A\B\C of the root R is the directory rootPath/R/A/B/C, its values are in Values.xml
-// there. Nothing here prints or fails otherwise than by its answer. One thread at a time.
+// there. Nothing here prints, and failures show in the answer only. One thread at a time.
 class XmlRegistry {
   public:
     bool isDirty = false;  // the open key's values are to be written
@@ -23,7 +23,7 @@ class XmlRegistry {
     XmlRegistry(const char* base = "/etc/regdb") : rootPath(base) {}
     XmlRegistry(const XmlRegistry&) = delete;
     XmlRegistry& operator=(const XmlRegistry&) = delete;
-    // As CloseKey; what there is no memory to write is lost.
+    // As CloseKey; values are lost when there is no memory to write them.
     ~XmlRegistry();
 
     // Opens `key`: from the root when it begins with a backslash, else below the key that is open.
@@ -54,7 +54,8 @@ class XmlRegistry {
     VeltoString GetDirPath() { return GetFullPath(""); }
     VeltoString GetFilePath() { return GetFullPath("\\Values.xml"); }
     // Makes the open key's directory, mode 0755 less the umask. 1 only when directories above it
-    // had to be made first and all went well; 0 when the first attempt did, and on failure.
+    // had to be made first and all went well; 0 when the first attempt made it, and also on
+    // failure.
     int CreateKeyDir();
 
   private:

@@ -44,7 +44,7 @@ class LeituraDeValores {
   public:
     LeituraDeValores(XmlValueStore& destino, VeltoString& texto)
         : destino_(destino), texto_(texto) {
-        // A short entry is of 32 bytes.
+        // A short entry takes 32 bytes.
         indice_.reserve(static_cast<std::size_t>(texto.Length()) / 32);
         for (int i = 0; i < destino.storeIdx; ++i)
             indice_.try_emplace(chave(destino.store[i]->name), destino.store[i]);

@@ -17,7 +17,8 @@ pthread_mutex_t __velto_str_lock = PTHREAD_MUTEX_INITIALIZER;
 
 namespace {
 
-// What an allocation has beyond its characters, and what the capacity test leaves unused of it.
+// Bytes that an allocation has beyond its characters, and bytes that the capacity test leaves
+// unused.
 constexpr int folga = 24;
 constexpr int reservado = 20;
 static_assert(offsetof(VeltoStringData, c_data) + 1 <= reservado);
@@ -120,8 +121,8 @@ VeltoString& VeltoString::operator=(const VeltoString& outra) {
         deallocate();
         return *this;
     }
-    // Taken before the old record goes: of one that both share, the other holder may let go
-    // meanwhile.
+    // Taken before the old record is let go: when both are one record, its other holders may let go
+    // of it meanwhile.
     VeltoString nova(outra);
     std::swap(data, nova.data);
     return *this;
@@ -245,7 +246,7 @@ void VeltoString::realInsert(const char* s, int pos, int n) {
         if (n > 0) loadPChar(s, n);
         return;
     }
-    // A piece of the own text would move with it.
+    // A piece of this very text would move with it, so it is copied first.
     const VeltoString pedaco = contem(s) && n > 0 ? VeltoString(s, n) : VeltoString();
     if (pedaco.data) s = pedaco.c_str();
     Unique();

@@ -25,7 +25,7 @@ extern pthread_mutex_t __velto_str_lock;
 // Copies may live in different threads. One object may not be used by two threads at once, and a
 // text may not be changed through operator[] while another thread reads a copy of it.
 //
-// Texts end at 2^31 - 25 bytes; beyond that, and when memory ends, std::bad_alloc is thrown.
+// Texts have at most 2^31 - 25 bytes; beyond that, and without memory, std::bad_alloc is thrown.
 class VeltoString {
   public:
     VeltoStringData* data = nullptr;  // null: empty; shared with every copy

@@ -8,8 +8,8 @@
 
 #include "common/Reserva.h"
 
-// Hands out pieces of large blocks, zeroed. None is given back alone: records and texts that live
-// as long as their owner cost no bookkeeping, and lie beside each other.
+// Hands out pieces of large blocks, zeroed. No piece is given back alone, so records and texts that
+// live as long as their owner need no bookkeeping and lie side by side.
 class Arena {
   public:
     Arena() = default;
@@ -38,7 +38,7 @@ class Arena {
     static constexpr std::size_t alinhamento_ = 8;
     static constexpr std::size_t menor_bloco_ = std::size_t{64} * 1024;
 
-    // A block as large as all before it, up to those that fill a large page.
+    // Takes a block as large as all before it together, but no larger than a large page needs.
     void abre(std::size_t bytes) {
         const std::size_t n = std::max(bytes, std::clamp(tomados_, menor_bloco_, Reserva::bloco));
         blocos_.reserve(blocos_.size() + 1);

@@ -24,8 +24,8 @@ constexpr Bloco vazio;
 
 constinit thread_local Reserva reserva(sizeof(Bloco));
 
-// The shared arrays made last, by what they hold. They leave this table when their last user does,
-// or when they become his own.
+// The shared arrays made last, by what they hold. An array leaves this table with its last user, or
+// when it becomes one user's own.
 constinit thread_local std::array<Bloco*, 256> recentes{};
 
 Bloco*& recente(std::uint32_t periodo, std::uint32_t n) {

@@ -3,10 +3,10 @@
 
 #include <cstdint>
 
-// A user has eight arrays. Most of them stay empty, and those of the many who get one message a day
-// hold one number. So all that hold zeros are one array, and one that holds a single number is
-// shared by the users of whom the same was counted shortly before: the recipients of one message.
-// The next number makes an array the user's own.
+// A user has eight arrays. Most of them stay empty, and a user who gets one message a day has one
+// number in each of two. So all empty arrays are one array of zeros. An array with a single number
+// is shared by users for whom the same was counted shortly before, such as the recipients of one
+// message. The next number makes the array the user's own.
 //
 // Arrays have 24 counters, and belong to the thread that made them.
 namespace contadores {
@@ -21,7 +21,7 @@ std::uint32_t* zeros();
 // likes. Throws std::bad_alloc, with nothing changed.
 std::uint32_t* soma(std::uint32_t* a, std::uint32_t periodo, std::uint32_t n, bool& proprio);
 
-// The user holds this array no longer, whether it was his own or not.
+// Releases an array that a user held, whether it was his own or not.
 void solta(std::uint32_t* a) noexcept;
 
 }  // namespace contadores

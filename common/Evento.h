@@ -21,13 +21,13 @@ class Evento {
     Evento(const Evento&) = delete;
     Evento& operator=(const Evento&) = delete;
 
-    // Takes a line of `n` bytes apart, behind which `folga` more can be read; of one with a NUL,
-    // what stands before it. Words beyond the first 299 bytes do not count.
+    // Takes a line of `n` bytes apart; `folga` bytes behind it must be readable. A NUL ends the
+    // line. Words beyond the first 299 bytes do not count.
     static constexpr std::size_t folga = Cortes::maior;
     void separa(const char* linha, std::size_t n);
 
-    // The word `i`, less than palavras_lidas, with a NUL behind it; one without data when the line
-    // has fewer.
+    // Word `i` (below palavras_lidas), with a NUL behind it; without data when the line has fewer
+    // words.
     std::string_view palavra(int i) const {
         if (i >= lidas_) return {};
         return {texto_ + separadores_[i] + 1,

@@ -52,9 +52,9 @@ class LogFileParser {
     virtual bool createLastConsolidFile(const char* path) = 0;
     // Reads what is carried over, from behind the first line.
     virtual bool readExtraInfo(std::FILE* f) = 0;
-    // Is shown the next lines of the open log, before parser() is called for each of those that
-    // belong to the day: a chance to prepare for them. The texts hold until the next such call, and
-    // LeitorLinhas::folga bytes behind each can be read.
+    // Called with the next lines of the open log, before parser() is called for those that belong
+    // to the day, so that the parser can prepare for them. The texts hold until the next such call,
+    // and LeitorLinhas::folga bytes behind each can be read.
     virtual void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n);
 
     // Take a directory; it is copied. False for null or more than 128 bytes. setDataDir also makes

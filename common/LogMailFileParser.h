@@ -38,7 +38,7 @@ class LogMailFileParser : public LogFileParser {
     unsigned sfile_num_periods;
     unsigned first_period;  // of the first counted event
     unsigned last_period;   // of the latest counted event
-    bool first_period_ok;   // first_period was taken; never cleared again
+    bool first_period_ok;   // first_period was set; never cleared again
     char compact_fname_prefix[81];
     char stat_fname_prefix[81];  // not used: the statistics file's name is fixed
 
@@ -61,8 +61,8 @@ class LogMailFileParser : public LogFileParser {
     // Writes the statistics file, retires finished messages and users without one in flight. False
     // when a day file could not be created or written.
     bool dumpFiles() override;
-    // Writes the point and the messages in flight; the old file stays whole when that fails, which
-    // goes to stderr. False only for a null path.
+    // Writes the point and the messages in flight. When that fails, the old file stays whole and
+    // stderr tells why. False only for a null path.
     bool createLastConsolidFile(const char* last_consolid_file) override;
     // Reads the messages in flight. Each becomes one that is finished at the next dump, without its
     // sender; a file that records none yields one with an empty id. False only for a null stream.
@@ -103,7 +103,7 @@ class LogMailFileParser : public LogFileParser {
     void set_sfile_num_periods(unsigned n);
     // False, and nothing changed, when there is no such period.
     bool setLastPeriod(unsigned p);
-    // Takes the limits of the day of lastConsolid and starts its first and last period anew.
+    // Computes the limits of the day of lastConsolid and resets first_period and last_period.
     void calculatePeriodLimits();
     // The period that holds `t`: the first one before the day, the last one after it. Moves
     // first_period and last_period, so it is asked only when something counts.

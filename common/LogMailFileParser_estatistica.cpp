@@ -78,7 +78,8 @@ void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
     }
 }
 
-// Attempts and errors are of a day; so are users, but for those whom a message in flight names.
+// Attempts and errors belong to one day, and so do users, except for those with a message in
+// flight.
 void LogMailFileParser::prepara_proximo_dia() {
     for (Msg* m = Lista_msg.first(); m; m = m->next) {
         m->tries = 0;

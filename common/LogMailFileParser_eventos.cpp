@@ -1,5 +1,6 @@
 // The events of the log: what each writes into the compact file, counts and remembers. The public
-// handlers measure and hash the texts that they are given; what reads the log has done so already.
+// handlers measure and hash the texts that they are given; for lines of the log that has been done
+// already.
 #include <algorithm>
 
 #include "common/LogMailFileParser.h"
@@ -79,8 +80,8 @@ Usuario* LogMailFileParser::usuario_ou_novo(const Chave& nome, unsigned periodos
     return novo.release();
 }
 
-// A sender's text, shared with the earlier messages of the same sender while he is remembered: the
-// last one of each place does.
+// A sender's text, shared with the earlier messages of the same sender while he is remembered. Each
+// place remembers its last sender.
 TextoPartilhado LogMailFileParser::texto_de(const Chave& remetente) {
     if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
     TextoPartilhado& t = remetentes_[remetente.hash % max_remetentes];
@@ -203,7 +204,7 @@ int LogMailFileParser::virus(Hora h, const Chave& id) {
     return 1;
 }
 
-// An error of a message that is not known leaves no trace but its compact line.
+// An error of an unknown message leaves nothing but its compact line.
 int LogMailFileParser::erro(Status status, Hora h, const Chave& id, Texto texto) {
     using R = RegraErro;
     static constexpr R regras[] = {

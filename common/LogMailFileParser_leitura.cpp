@@ -46,7 +46,7 @@ struct LogMailFileParser::LeituraEstatistica {
         for (MsgsDayUser* u = pedidos->first(); u; u = u->next) usuarios.emplace(u->username, u);
     }
 
-    // The name of a blank line is empty, and nobody's.
+    // A blank line has an empty name, which is nobody's.
     MsgsDayUser* pedido() {
         if (nome.empty()) return nullptr;
         auto u = usuarios.find(nome);
@@ -54,7 +54,7 @@ struct LogMailFileParser::LeituraEstatistica {
         return u == usuarios.end() ? nullptr : u->second;
     }
 
-    // Every line is read as a user's; those that are none find nobody.
+    // Every line is read as a user's; other lines name nobody who was asked for.
     void por_usuario(time_t dia, DList<MsgsDayUser>* pedidos) {
         while (le(leitor, linha)) {
             const char* numeros = diario::le_nome(linha, nome);
@@ -93,7 +93,8 @@ struct LogMailFileParser::LeituraEstatistica {
     }
 };
 
-// Leaves the part before "@" when what follows is a local domain. False, and nothing changed, else.
+// Cuts the address to the part before "@" when what follows is a local domain. Otherwise false, and
+// nothing is changed.
 bool LogMailFileParser::corta_dominio_local(std::string& endereco) {
     const auto arroba = endereco.find('@');
     if (arroba == std::string::npos || !procurar_dominio(&domains, endereco.c_str() + arroba + 1))
@@ -139,7 +140,7 @@ bool LogMailFileParser::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_da
                                         const char* user) {
     LeituraEstatistica leitura{*this};
     if (msgs_day_user) leitura.indexa(msgs_day_user);
-    // Of a day's totals only the first line is wanted.
+    // For totals only the first line is read.
     const std::size_t bloco = msgs_day_user || m_hour ? LeitorLinhas::bloco : 4096;
     while (dias.proximo()) {
         const Stream f = dias.abre();

@@ -134,7 +134,8 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
         if (e.id().texto) Lista_msg.antecipa(e.id().hash);
         if (e.usuario()) Lista_usu.antecipa(e.endereco().hash);
     }
-    // Users alone: the messages of these lines were mostly met a moment ago.
+    // Users only: most messages of these lines were used a moment ago, so that fetching them would
+    // cost more than it saves.
     const Usuario* usuarios[maior_lote];
     std::size_t num_usuarios = 0;
     for (std::size_t i = 0; i < n; ++i)

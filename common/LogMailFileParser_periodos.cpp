@@ -60,7 +60,8 @@ bool LogMailFileParser::createFile(std::FILE** fp, const char* prefix) {
     return false;
 }
 
-// Makes the names of the day's files last. A failure counts as one of writing.
+// Syncs the month's directory, so that the names of the day's files last. A failure counts as one
+// of writing.
 bool LogMailFileParser::sincroniza_mes() {
     struct tm tm = {};
     localtime_r(&lastConsolid, &tm);

@@ -217,7 +217,7 @@ class LogMailFileParser::Passada {
     LogMailFileParser& p_;
     params* par_;
     long start_, end_;
-    bool peneira_;  // a trace, of an id: lines may be passed over
+    bool peneira_;  // a trace with an id: lines may be passed over
     bool por_hora_;
     bool iniciado_ = false;  // a line not earlier than the start was met
     const Replay::Coluna* coluna_;
@@ -225,7 +225,7 @@ class LogMailFileParser::Passada {
     Crivo crivo_;
     LeitorCompacto leitor_;
     bool serve_[LeitorDeCabecas::num_status] = {};  // the statuses that the report looks at
-    LeitorCompacto::Partes partes_[LeitorCompacto::maior_lote];  // the lines read that have one
+    LeitorCompacto::Partes partes_[LeitorCompacto::maior_lote];  // of lines with a handler
     char* campos_[LeitorCompacto::maior_linha + 1];
 };
 
@@ -264,7 +264,7 @@ bool LogMailFileParser::Passada::estranha(char* texto) {
     return true;
 }
 
-// The same for a usual line of which is known that it is in range and of this hour.
+// The same for a usual line that is known to be in range and of this hour.
 void LogMailFileParser::Passada::trata(LeitorCompacto::Partes& p) {
     const Cabeca& c = p.linha->cabeca;
     const int n = leitor_.campos(p, campos_);
@@ -275,13 +275,14 @@ void LogMailFileParser::Passada::trata(LeitorCompacto::Partes& p) {
 // Whether all the lines read are usual, not later than the end and of the hour that the replay is
 // in: then those that no handler takes need not be looked at one by one.
 bool LogMailFileParser::Passada::tranquilo() const {
-    // An attempt at no time is refused, and traced.
+    // An attempt without a time is refused and traced, so it must be looked at.
     return leitor_.usuais() && leitor_.primeira() != 0 && leitor_.ultima() <= end_ &&
            horas_.mesma(leitor_.primeira(), leitor_.ultima());
 }
 
 // Lets the sieve drop what cannot matter to the traced message as it stands now. An acceptance
-// settles the connection error whose text it names; an END makes what pends an error, once.
+// settles the connection error whose text it names; the first END turns what is pending into an
+// error.
 void LogMailFileParser::Passada::passa_por_cima() {
     const Msg& m = *par_->m;
     const bool erros = m.error_list.first() != nullptr;

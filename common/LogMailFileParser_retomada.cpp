@@ -17,7 +17,7 @@ bool LogMailFileParser::createLastConsolidFile(const char* last_consolid_file) {
         char hora[32];
         std::fprintf(g.stream(), "1 %s", ctime_r(&lastConsolid, hora));
         for (const Msg* m = Lista_msg.first(); m; m = m->next) {
-            // A sender not known is "(null)"; one that the log left out is empty, as in the log.
+            // An unknown sender is "(null)"; one that the log left out is empty, as in the log.
             const char* remetente = m->sendername ? m->sendername : "(null)";
             std::fprintf(g.stream(), "\r\n%s %d %c %c %c %c %d %d %s", m->id,
                          static_cast<int>(m->size), letra(m->virus), letra(m->spam),
@@ -39,7 +39,8 @@ bool LogMailFileParser::readExtraInfo(std::FILE* fp) {
     char virus = 'N', spam = 'N', bloqueado = 'N', interno = 'N';
     int tamanho = 0, inicio = 0, fim = 1;
     while (!std::feof(fp) && !std::ferror(fp)) {
-        // What was read is not counted: the end of the file shows only after a record has failed.
+        // The fields read are not counted: the end of the file shows only after a record has
+        // failed.
         if (std::fscanf(fp, "\r\n%49s %d %c %c %c %c %d %d %511s", id, &tamanho, &virus, &spam,
                         &bloqueado, &interno, &inicio, &fim, remetente) == EOF &&
             std::ferror(fp))

@@ -8,7 +8,7 @@
 
 namespace {
 
-// No id, no line of its own.
+// Without an id there are no lines of its own.
 bool e_dela(const char* id, char** campos) {
     return id && std::strcmp(campos[3], id) == 0;
 }
@@ -66,7 +66,7 @@ int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinata
     }
     if (e_dela(id, campos)) {
         if (RCPTO* r = procurar_recipient(&m->recipients, destinatario)) {
-            // One who was refused before is left without a text, not with that of a delivery.
+            // A recipient who was refused before gets an empty text, not that of a delivery.
             r->error = false;
             r->last_time = t;
             r->status_msg[0] = '\0';
@@ -75,7 +75,7 @@ int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinata
             std::strcpy(r->status_msg, "Mensagem entregue.");
         }
     }
-    // Whoever's message it was: the destination answers again.
+    // Any message will do: it shows that the destination answers again.
     m->remove_error(etCONNECT, destinatario);
     return 1;
 }
@@ -120,7 +120,7 @@ int LogMailFileParser::msg_trace_handle_ERROR_FINAL(const char* id, long, Msg* m
 
 int LogMailFileParser::msg_trace_handle_ERROR(const char* id, long t, Msg* m, char** campos, int n,
                                               ErrorType tipo) {
-    // A line without an id hits whatever message is traced.
+    // A line without an id applies to whatever message is traced.
     if (id && n > 3 && !e_dela(id, campos)) return 0;
     const std::size_t sobra = TextoErro::capacidade - std::strlen(m->str_error);
     const char* detalhe = n > 4 ? campos[4] : nullptr;

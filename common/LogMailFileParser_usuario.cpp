@@ -14,7 +14,7 @@ struct HashDeId {
     std::size_t operator()(std::string_view id) const { return hash_chave(id.data(), id.size()); }
 };
 
-// A filter list; its users live as long as it does, also when it does not come to its end.
+// A filter list. It deletes its users also when an exception ends the report.
 class Filtro {
   public:
     // Names separated by ','; null for no filter.
@@ -69,7 +69,7 @@ void marca_erro(UserMsgs* linha, std::string_view texto) {
 
 }  // namespace
 
-// The rows of a list by id, the one nearest the head answering.
+// The rows of a list by id; of equal ids, the one nearest the head.
 struct LogMailFileParser::IndiceDeLinhas {
     const DList<UserMsgs>* lista;
     std::unordered_map<std::string_view, UserMsgs*, HashDeId> linhas;
@@ -185,7 +185,8 @@ int LogMailFileParser::user_end(const Campos& c) {
     }
     Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
-    // Not fatal counts as an error from here on: a later hour report of this object shows it.
+    // A message without a fatal error counts as one with an error from here on: a later hour report
+    // of this object shows it.
     m->error = !m->fatal_error;
     return 1;
 }
@@ -200,8 +201,8 @@ int LogMailFileParser::user_virus(DList<UserMsgs>* msgs, const Campos& c) {
     return 1;
 }
 
-// The pending errors and the refused recipients of a working record are read by nobody, so only
-// what shows is kept of them: the flags, and the row's text.
+// Nobody reads the pending errors and the refused recipients of a working record, so only what
+// shows is kept: the flags, and the row's text.
 int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo) {
     if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");

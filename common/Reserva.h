@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <new>
 
-// Zeroed memory for a large array, from the system and on large pages, which it fills but for the
-// last; one that fills none comes from the general allocator. Throws std::bad_alloc.
+// Zeroed memory for a large array, taken from the system on large pages. An array that fills no
+// large page comes from the general allocator. Throws std::bad_alloc.
 void* toma_zerada(std::size_t n);
 // Takes back what toma_zerada(n) gave.
 void devolve_zerada(void* p, std::size_t n) noexcept;
@@ -22,8 +22,8 @@ class Reserva {
   public:
     static constexpr std::size_t bloco = std::size_t{2} * 1024 * 1024;
 
-    // Under the address sanitizer records come from the general allocator, which then can tell a
-    // use after the end.
+    // Under the address sanitizer records come from the general allocator, where the sanitizer sees
+    // a use after the end.
 #ifdef __SANITIZE_ADDRESS__
     static constexpr bool usada = false;
 #else

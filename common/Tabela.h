@@ -31,9 +31,9 @@ inline std::uint64_t mistura(std::uint64_t a, std::uint64_t b) {
 #endif
 }
 
-// Hash of a key's bytes: sixteen at a time, the last ones perhaps once more.
+// Hash of a key's bytes: sixteen at a time, the last ones perhaps twice.
 inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
-    // By a product with the seed: nobody can make up for another length by other bytes.
+    // Multiplied by the seed, so that nobody can make up for another length with other bytes.
     std::uint64_t h = semente_das_chaves * (2 * std::uint64_t{tamanho} + 1);
     std::uint64_t primeiros = 0, ultimos = 0;
     if (tamanho >= 8) {
@@ -90,7 +90,7 @@ class Tabela {
     Tabela(const Tabela&) = delete;
     Tabela& operator=(const Tabela&) = delete;
 
-    // Reads as the list that it keeps. It cannot be changed as one, behind the index.
+    // Can be read as the list that it keeps, but not changed as one: the index would not know.
     operator const DList<T>&() const { return lista_; }
     T* first() const { return lista_.first(); }
     T* last() const { return lista_.last(); }
@@ -145,7 +145,7 @@ class Tabela {
         if (total_ != antes) reindexa();
     }
 
-    // Empties list and index without touching the elements, whose memory goes otherwise.
+    // Empties list and index without touching the elements; their owner releases them.
     void esquece() {
         lista_.head = lista_.tail = nullptr;
         total_ = 0;
@@ -162,8 +162,8 @@ class Tabela {
     }
     T* procurar(const char* procurada) const { return procurar(Chave(procurada)); }
 
-    // Hints, for lookups that come soon: fetches the place where the search for a hash begins; the
-    // first element of that hash, or null, without touching it.
+    // Hints for lookups that come soon. antecipa() prefetches the place where the search for a hash
+    // begins; provavel() answers the first element of that hash, or null, without touching it.
     [[gnu::always_inline]] void antecipa(std::uint32_t hash) const {
         if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
     }
@@ -178,8 +178,8 @@ class Tabela {
 
   private:
     // A place of the index; free when `e` is null. An element stands at its hash's place or, past
-    // an unbroken row of others, behind it. Of equal hashes the newest stands first. Packed, since
-    // places are a fifth of what a day's messages hold: 12 bytes where pointers have 8.
+    // an unbroken row of others, behind it. Of equal hashes the newest stands first. Packed to 12
+    // bytes where pointers have 8, since places take a fifth of the memory of a day's messages.
     struct [[gnu::packed, gnu::aligned(4)]] Vaga {
         T* e;
         std::uint32_t hash;
@@ -241,7 +241,7 @@ class Tabela {
         }
     }
 
-    // Never fails: fewer elements fit into the places that there are.
+    // Never fails: fewer elements fit into the present places.
     void reindexa() noexcept {
         std::size_t quantas = minimo_;
         while (total_ * 4 > quantas * 3) quantas *= 2;
@@ -257,7 +257,7 @@ class Tabela {
         for (T* e = lista_.tail; e; e = e->prev) indexa_primeiro(e, Chave(chave(*e)).hash);
     }
 
-    // Takes free places instead of those that there are, which it answers.
+    // Replaces the places by free ones and answers the old ones.
     Vagas troca(std::size_t quantas) {
         Vagas novas(static_cast<Vaga*>(toma_zerada(quantas * sizeof(Vaga))), {quantas});
         mascara_ = quantas - 1;

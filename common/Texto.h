@@ -20,7 +20,7 @@ inline char* copia_texto(const char* texto) {
 
 // A text that several records of one thread hold together; freed with the last of them. A few heavy
 // senders write most of a day's messages. The text lies behind its header, so a record may keep its
-// bare address, which reads as C text: `larga` gives it, and who has it owes it a `solta`.
+// bare address, which reads as C text: `larga` gives it, and whoever takes it must `solta` it.
 class TextoPartilhado {
   public:
     TextoPartilhado() = default;
@@ -50,11 +50,11 @@ class TextoPartilhado {
     // The text, which may not be changed; null when there is none.
     char* texto() const { return texto_; }
 
-    // The same, no longer held by this object but by who asked.
+    // The same, now held by the caller and no longer by this object.
     char* larga() noexcept { return std::exchange(texto_, nullptr); }
 
-    // Of an address that `larga` gave, or null: holds the text as well; its length (0); ends what
-    // `larga` began.
+    // For an address that `larga` gave, or null: `de` makes one more holder of the text, `tamanho`
+    // answers its length (0 for null), `solta` releases it.
     static TextoPartilhado de(char* largado) {
         TextoPartilhado t;
         if (largado) ++dados(largado)->donos;

@@ -30,7 +30,7 @@ Trabalho* Trabalhos::novo(Chave id, const char* remetente) {
 }
 
 // The room is kept for as long as the record. A text that outgrows it moves to one of at least
-// twice the size, so that submissions which are repeated come to an end of asking for more.
+// twice the size, so that repeated submissions soon stop asking for more.
 void Trabalhos::define_remetente(Trabalho* t, const char* nome) {
     t->submetida = nome != nullptr;
     if (!nome) return;

@@ -27,7 +27,7 @@ inline bool tem_chave(const Trabalho& t, const Chave& c) {
 }
 
 // Kept from one report of a parser to the next: lines whose submission lies before the range find
-// the record that an earlier report left. One record an id, so that reports which are repeated cost
+// the record that an earlier report left. There is one record an id, so that repeated reports cost
 // nothing more.
 class Trabalhos {
   public:

@@ -25,9 +25,9 @@ struct usuStats {
     std::uint32_t sent, recv, bytes_sent, bytes_recv, virus, spam, error, att_blocked;
 };
 
-// Created by the first event that names the user. The counters wrap at 32 bits. The arrays are read
-// as they stand; only the adding members below write them, since those of several users may be one
-// (Contadores.h), and they may move an array.
+// Created by the first event that names the user. The counters wrap at 32 bits. The arrays may be
+// read directly. Only the adding members below write them: several users may share an array
+// (Contadores.h), and adding may replace it.
 class Usuario {
   public:
     char* name;                 // address or name as logged; perhaps shared with messages
@@ -53,9 +53,9 @@ class Usuario {
     static void* operator new(std::size_t n);
     static void operator delete(void* p, std::size_t n) noexcept;
 
-    // Fetches what an event of a recipient in this period will touch, the record being there.
-    // (Always inline: the compiler takes a function that only fetches for one without effect, and
-    // drops the call.)
+    // Prefetches what an event of a recipient in this period will touch. Reads the record, so that
+    // should be fetched first. (Always inline: the compiler thinks that a function which only
+    // prefetches has no effect, and drops the call.)
     [[gnu::always_inline]] void busca(unsigned periodo) const {
         __builtin_prefetch(name);
         if (periodo >= num_periods) return;

@@ -43,7 +43,7 @@ Status status_de_erro(const char* palavra) {
     return STATUS_UNKNOWN;
 }
 
-// What a status with this first letter is, if its second one is the one given; NUL: any.
+// The status with this first letter, provided that the second one is `segunda` (NUL: any).
 struct PorLetra {
     char segunda;
     Status status;
@@ -84,8 +84,8 @@ int getTokens(char* line, char** tokens, int max) {
 
 int reparte(char* str, char sep, char** pedacos) {
     char* const fim = str + std::strlen(str);
-    // A text of blanks only has no first piece; nor has, with the blank as separator, one that
-    // begins with it: its last piece is lost for that.
+    // A text of blanks only has no first piece. With the blank as separator, neither has a text
+    // that begins with one: it loses its last piece instead.
     const bool primeiro =
         sep == ' ' ? str != fim && *str != ' ' : str[std::strspn(str, " ")] != '\0';
     int separadores = 0;

@@ -37,7 +37,7 @@ void Crivo::define(bool ve_end) {
 
 // Whether the field behind the id, which begins at `id`, is one of the pending texts.
 inline bool Crivo::nomeia(const char* id, const char* fim) const {
-    static_assert(Agulha::alcance < LeitorLinhas::folga);  // from `fim` + 1 on, at the most
+    static_assert(Agulha::alcance < LeitorLinhas::folga);  // the field begins at `fim` + 1 at most
     const char* campo = id + primeiro_branco(id, static_cast<std::size_t>(fim - id)) + 1;
     for (const Agulha& a : pendentes_)
         if (a.igual(campo, fim)) return true;
@@ -50,7 +50,7 @@ inline bool Crivo::importa(const char* linha, std::size_t n, LeitorDeCabecas& ca
     if (ve_end_ && c.status == END) return true;
     const char *id = linha + c.id, *fim = linha + n;
     if (id_.igual(id, fim)) return true;
-    // The status is asked last: the name hardly ever fits, but every other line is an OK.
+    // The status is compared last: the name hardly ever matches, but half of the lines are an OK.
     return !pendentes_.empty() && nomeia(id, fim) && c.status == OK;
 }
 

@@ -28,14 +28,14 @@ struct Cabeca {
 // Reads heads one after the other; of lines of the same second the time is converted once.
 class LeitorDeCabecas {
   public:
-    // What a head can tell of an event's status: two digits.
+    // A head has room for a status of two digits.
     static constexpr int num_status = 100;
 
-    // Shorter lines are not looked at: none that was ever written is.
+    // Shorter lines do not count as usual: with the ids in use, none is written.
     static constexpr std::size_t menor = 16;
 
     // False when the line of `n` bytes is not a usual one. Whether the status has one digit or two
-    // cannot be foreseen, so nothing is asked that need not be.
+    // is unpredictable, so there are as few branches as possible.
     bool le(const char* linha, std::size_t n, Cabeca& c) {
         if (n < menor || !separados(linha + 8)) return false;
         const bool curto = linha[12] == ' ';
@@ -70,11 +70,11 @@ class LeitorDeCabecas {
 };
 
 // A text that fields are compared with: eight of its bytes first, all at once, and the rest only
-// where these agree. Which eight: its last, since the ids of one hour begin alike, as far as they
-// lie within `alcance`.
+// where these agree. They are its last eight within `alcance`, since the ids of one hour begin
+// alike.
 class Agulha {
   public:
-    // Bytes from where a field begins that are looked at without asking where its line ends.
+    // Bytes from the start of a field that are read without knowing where its line ends.
     static constexpr std::size_t alcance = 40;
 
     // `texto` must outlive the needle.
@@ -96,24 +96,24 @@ class Agulha {
     std::uint64_t mascara_ = 0;
 };
 
-// Which lines may be passed over in a trace. To the traced message matter its own lines; those
-// after the end of the range, since they stop the file; those with fewer than four fields, which
-// hit whatever message is traced; the OK of any message that names what is pending; and, as long as
-// that would make it fail, the END of any message.
+// Decides which lines a trace may pass over. What matters to the traced message: its own lines;
+// those after the end of the range, which stop the file; those with fewer than four fields, which
+// apply to whatever message is traced; the OK of any message that names what is pending; and, as
+// long as that would make it fail, the END of any message.
 class Crivo {
   public:
     // `id` must outlive the sieve; `fim` is the last second of the range.
     // cppcheck-suppress uninitMemberVar ; of finais_ only what acha() has just written is read
     Crivo(const char* id, time_t fim) : id_(id), fim_(fim) {}
 
-    // Nothing is pending; the END of another message must be seen, or need not.
+    // Forgets what was pending. `ve_end` tells whether the END of other messages must be seen.
     void define(bool ve_end);
     // Something is pending: the OK that names `texto` must be seen, until the next define(). The
     // text must stay until then.
     void espera(const char* texto) { pendentes_.emplace_back(texto); }
 
     // Bytes of whole lines at the start of [p, p + n) that do not matter; none is longer than
-    // `maior_linha`. The last lines may be left to the next time, with more behind them.
+    // `maior_linha`. The last lines may be left to the next call, with more behind them.
     // LeitorLinhas::folga bytes behind all can be read.
     std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
 
@@ -128,7 +128,7 @@ class Crivo {
     FinaisDeLinha finais_;
 };
 
-// The lines of a compact file, a few dozen at a time and where they were read, with their heads.
+// The lines of a compact file, a few dozen at a time, left where they were read, with their heads.
 class LeitorCompacto {
   public:
     static constexpr std::size_t maior_linha = 2047;  // bytes; what is longer goes on as another
@@ -141,10 +141,10 @@ class LeitorCompacto {
     };
     static constexpr std::size_t maior_lote = 80;
 
-    // A usual line taken apart, as far as that is done before its turn comes.
+    // A usual line, taken apart before its turn comes.
     struct Partes {
         const Linha* linha;
-        Chave id;  // field 3; no text when the line is not one to be taken apart beforehand
+        Chave id;  // field 3; no text when the line could not be taken apart beforehand
         int campos;
         std::uint8_t inicios[Cortes::maior + 2];  // of the fields in `texto`, and its end
         char texto[Cortes::maior];
@@ -153,16 +153,16 @@ class LeitorCompacto {
     // Starts reading at the current position of `fd`, which stays the caller's.
     void abre(int fd);
 
-    // No lines are at hand: le_lote() must be asked.
+    // No lines are at hand: le_lote() must be called.
     bool vazio() const { return tomadas_ == lidas_; }
-    // Reads the next lines, all usual or one that is not; or the next one only. Those before must
-    // not be used any more. `serve` tells which statuses matter. False at the end of the file.
+    // Reads the next lines: usual ones, or one that is not; with `so_uma` one only. The lines
+    // before become invalid. `serve` tells which statuses matter. False at the end of the file.
     bool le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]);
     const Linha& toma() { return linhas_[tomadas_++]; }
     void toma_todas() { tomadas_ = lidas_; }
 
-    // What is known of the lines read last: whether they are usual; then the first and the last
-    // time among them.
+    // Of the lines read last: whether they are usual, and if so the earliest and the latest time
+    // among them.
     bool usuais() const { return usuais_; }
     time_t primeira() const { return primeira_; }
     time_t ultima() const { return ultima_; }
@@ -170,12 +170,12 @@ class LeitorCompacto {
     std::size_t servem() const { return servem_; }
     const Linha& que_serve(std::size_t i) const { return linhas_[quais_servem_[i]]; }
 
-    // Passes over what the sieve lets drop. Only while vazio().
+    // Passes over what the sieve drops. Only while vazio().
     void passa(Crivo& crivo);
 
     // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
     char* copia(const Linha& linha);
-    // Takes a usual line apart, which must stay as it is until campos() was asked.
+    // Takes a usual line apart. The line must stay as it is until campos() was called.
     static void separa(const Linha& linha, Partes& p);
     // The fields of such a line, as explode() answers them with blanks; returns how many. They and
     // `p.id`, which then has a text, hold until the next call or change of `p`.

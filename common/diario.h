@@ -33,11 +33,10 @@ struct Totais {
     std::uint32_t spam, virus, error, att_blocked, msgs_int, bytes_int, msgs_ext, bytes_ext;
 };
 
-// --- The lines of a statistics file, as they are written and read. Of numbers the low 32 bits are
-// kept.
+// --- The lines of a statistics file, as they are written and read. Numbers keep their low 32 bits.
 
-// First line: Unix seconds of the first and of the last counted period's start and last second,
-// then the totals. It is read only whole: false when a number is missing.
+// First line: the first second of the first counted period, the last second of the last one (Unix
+// seconds), the totals. It is read whole or not at all: false when a number is missing.
 void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& totais);
 bool le_totais(const char* linha, Totais& totais);
 // What a report's row of totals shows of them.
@@ -60,8 +59,8 @@ usuStats le_contadores(const char* numeros);
 void soma(const usuStats& s, MsgsData& linha);
 
 // The day files of a report: from `start`, every 86400 seconds, while not later than `end`. Names
-// go by UTC, those of the writer by local time: the same while the zone's day and the UTC day of
-// each step are. Walks only days whose file can exist (2000 to 2099), without memory for the range.
+// go by UTC here, by local time in the writer: they agree when each step has the same date in both.
+// Walks only days whose file can exist (2000 to 2099), without memory for the range.
 class Dias {
   public:
     // No days unless `start` is earlier than `end`.
@@ -74,7 +73,7 @@ class Dias {
     // The day's file, and `start` plus its 86400 second steps.
     const char* path() const { return files_ ? files_->file : path_; }
     time_t dia() const { return dia_; }
-    // The file, open for reading; null when it cannot be.
+    // The file, open for reading; null when it cannot be opened.
     Stream abre();
 
   private:

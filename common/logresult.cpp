@@ -24,7 +24,7 @@ LogResult::LogResult() {
          {&usuario, &msg_id, &msg_sendername, &recipient_status_msg, &recipient_name})
         s->setAllocationPolicy(40, 10);
     limpa();
-    msg_traced = new Msg("0", 0);  // last: nothing would release it
+    msg_traced = new Msg("0", 0);  // last: nothing would release it if a later step threw
 }
 
 LogResult::~LogResult() {
@@ -64,7 +64,7 @@ void LogResult::limpa() {
 }
 
 int LogResult::fetch() {
-    // Not the byte totals nor the message's values: after the end of a walk pages find the last
+    // The byte totals and the message's values stay: after the end of a walk, pages find the last
     // ones.
     usuario = "";
     sent = sent_bytes = recv = recv_bytes = current_period = 0;

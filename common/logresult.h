@@ -65,7 +65,7 @@ class LogResult {
     long getHandle() const { return reinterpret_cast<long>(this); }
 
     // Go to the next row and copy it. 1 when there was one, 0 at the end or when there is nothing.
-    // fetch() of a trace copies the message and answers 0: its one row is no row to loop over.
+    // For a trace, fetch() copies the message and answers 0: there are no rows to loop over.
     int fetch();
     // The next recipient of the traced message.
     int fetch_recipient();

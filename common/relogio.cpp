@@ -82,7 +82,7 @@ time_t Relogio::do_registro(const char* t) {
     return lembra(t, da_hora(tm));
 }
 
-// Keeps the answer for a stamp of which nothing behind its 24 bytes was read.
+// Keeps the answer for a stamp whose value depends on its 24 bytes alone.
 time_t Relogio::lembra(const char* t, time_t hora) {
     std::memcpy(ultimo_, t, carimbo);
     return ultima_hora_ = hora;

@@ -27,8 +27,8 @@ class Relogio {
     // shift at those: within one the hour of the day is the same.
     static bool mesmo_quarto(time_t a, time_t b) { return a / 900 == b / 900; }
 
-    // The same for a text in a buffer that holds at least `carimbo` bytes. Of the lines of a busy
-    // log most are of the same second as the one before: then nothing is converted at all.
+    // As do_registro(), for a text in a buffer of at least `carimbo` bytes. Most lines of a busy
+    // log are of the same second as the one before; then nothing is converted at all.
     time_t da_linha(const char* linha) {
         const bool mesma = guarda_ && std::memcmp(linha, ultimo_, carimbo) == 0;
         return mesma ? ultima_hora_ : do_registro(linha);

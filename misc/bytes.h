@@ -16,14 +16,15 @@ inline std::uint64_t oito_bytes(const char* p) {
     return v;
 }
 
-// The number that eight lower-case hexadecimal digits write; false when they are others.
+// Reads the number that eight lower-case hexadecimal digits write. False when they are not such
+// digits.
 inline bool oito_hexadecimais(const char* p, std::uint32_t& numero) {
     constexpr std::uint64_t um_em_cada = 0x0101010101010101u;
     std::uint64_t v = oito_bytes(p);
-    const std::uint64_t letras = v >> 6 & um_em_cada;  // 1 in each byte that may be of 'a' to 'f'
+    const std::uint64_t letras = v >> 6 & um_em_cada;  // 1 in each byte that may be 'a' to 'f'
     const std::uint64_t altos = v & um_em_cada * 0xF0;
     v = (v & um_em_cada * 0x0F) + letras * 9;
-    // '0' is 0x30 and 'a' 0x61; letters, and they alone, are worth ten or more, and less than 16.
+    // '0' is 0x30 and 'a' 0x61; only letters may be worth ten or more, and less than 16.
     if (altos != (um_em_cada + letras) * 0x30 || (v & um_em_cada * 0x10) != 0 ||
         ((v + um_em_cada * 6) >> 4 & um_em_cada) != letras)
         return false;
@@ -51,8 +52,9 @@ inline bool tem_nul(const char* p, std::size_t n) {
 }
 #endif
 
-// Where the first blank stands among the `n` bytes at `p`; `n` when there is none. 32 bytes can be
-// read, whatever `n` is: how long a short text is cannot be foreseen, so it is not asked.
+// Where the first blank stands among the `n` bytes at `p`; `n` when there is none. 32 bytes must be
+// readable, whatever `n` is: the length of a short text is unpredictable, so there is no branch on
+// it.
 inline std::size_t primeiro_branco_um_a_um(const char* p, std::size_t n) {
     const void* b = std::memchr(p, ' ', n);
     return b ? static_cast<std::size_t>(static_cast<const char*>(b) - p) : n;

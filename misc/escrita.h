@@ -11,21 +11,21 @@
 #include <string_view>
 
 // A large buffer for the stream to which lines come one by one: with stdio's own, of 4 KiB, writing
-// a day's lines takes twice as long. There is one a thread, and it is never freed before the thread
-// ends: whoever takes the stream away goes on writing through it. Meanwhile others have stdio's
-// own.
+// a day's lines takes twice as long. Each thread has one, which lives until the thread ends,
+// because whoever takes the stream over goes on writing through it. Other streams keep stdio's own
+// buffer meanwhile.
 class MemoriaDeStream {
   public:
     static constexpr std::size_t bytes = std::size_t{64} * 1024;
 
-    // Lends the buffer to a stream that was just opened, unless another one may still have it. One
-    // at the same address cannot: it was closed.
+    // Lends the buffer to a stream that was just opened, unless another stream may still have it. A
+    // borrower at the same address cannot: it was closed.
     static void empresta(std::FILE* stream) {
         if (emprestada_ && stream != emprestada_) return;
         if (std::setvbuf(stream, memoria_, _IOFBF, bytes) == 0) emprestada_ = stream;
     }
 
-    // To be told of each stream that was closed.
+    // Must be called for each stream that was closed.
     static void fechada(const std::FILE* stream) {
         if (stream == emprestada_) emprestada_ = nullptr;
     }
@@ -36,9 +36,9 @@ class MemoriaDeStream {
 };
 
 // Where the next `n` bytes for a stream may be written at once, without a call; null when they do
-// not fit into its buffer. avanca_no_buffer() then tells where they ended. These are the pointers
-// that putc_unlocked moves inside of every program, so they stay what they are; the end lies before
-// the place where streams keep no buffer, or look for line ends.
+// not fit into its buffer. avanca_no_buffer() then tells where they ended. putc_unlocked, which is
+// compiled into programs, uses the same pointers, so their meaning cannot change. Unbuffered and
+// line-buffered streams never show any room.
 inline char* lugar_no_buffer(std::FILE* stream, std::size_t n) {
     const std::ptrdiff_t livres = stream->_IO_write_end - stream->_IO_write_ptr;
     return livres >= static_cast<std::ptrdiff_t>(n) ? stream->_IO_write_ptr : nullptr;
@@ -47,9 +47,9 @@ inline void avanca_no_buffer(std::FILE* stream, char* fim) {
     stream->_IO_write_ptr = fim;
 }
 
-// One line on its way into a stream: its fields, then termina(). What a handler writes must be in
-// the stream when it returns, in whosever hands the stream is then; so nothing is kept for later,
-// and a line is put together in the stream's own buffer. Write errors stay in the stream's error
+// One line on its way into a stream: its fields, then termina(). When a handler returns, its line
+// must be in the stream, since anybody may use the stream from then on. So nothing is kept for
+// later: the line is built in the stream's own buffer. Write errors stay in the stream's error
 // flag.
 class Linha {
   public:
@@ -87,7 +87,7 @@ class Linha {
     }
 
   private:
-    // Nearly all fields are of these lengths; two moves that may overlap are less than a call.
+    // Nearly all fields have these lengths; two moves that may overlap cost less than a call.
     static void copia(char* para, const char* de, std::size_t n) {
         if (n >= 8 && n <= 16)
             copia_pontas<8>(para, de, n);

@@ -38,8 +38,8 @@ class FinaisDeLinha {
     static constexpr std::size_t maior = 4096;  // bytes of a piece
 
     // Finds those in the first `n` bytes at `p`, at most `maior`; a rest that does not fill 64
-    // bytes is left. Answers how many. Whether there are none, one or two in 64 bytes cannot be
-    // foreseen: so up to two are noted without asking.
+    // bytes is left out. Answers how many. Whether 64 bytes hold none, one or two is unpredictable,
+    // so up to two are noted without a branch.
     std::size_t acha(const char* p, std::size_t n) {
         std::size_t achados = 0;
         for (std::size_t i = 0; i + 64 <= n; i += 64) {

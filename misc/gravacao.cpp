@@ -45,7 +45,7 @@ bool herda(int fd, const struct stat& velho) {
 }
 
 // Makes the temporary's name free: removes what a killed run left behind. Anything that no run can
-// have left is somebody else's and stays; false then, errno set.
+// have left belongs to somebody else and stays; the answer is then false, errno set.
 bool retira_resto(const char* path) {
     struct stat st;
     if (lstat(path, &st) != 0) return errno == ENOENT;

@@ -29,7 +29,7 @@ class Gravacao {
     // An unfinished writing is abandoned: its temporary goes, the old file stays.
     ~Gravacao();
 
-    // False when `path` could not be written, found out without creating or truncating it.
+    // False when `path` cannot be written; it is then neither created nor truncated.
     bool abre(const char* path);
     // The stream to write to, between abre() and conclui(); owned by this object.
     std::FILE* stream() const { return stream_.get(); }

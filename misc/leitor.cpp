@@ -26,7 +26,7 @@ bool LeitorLinhas::enche() {
     if (n < 0) erro_ = errno;
     if (n <= 0) return false;
     fim_ += static_cast<std::size_t>(n);
-    std::memset(memoria_.get() + fim_, 0, folga);  // who looks there finds no leftovers of memory
+    std::memset(memoria_.get() + fim_, 0, folga);  // no old memory shows there
     return true;
 }
 

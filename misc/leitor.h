@@ -12,7 +12,7 @@ class LeitorLinhas {
     static constexpr std::size_t bloco = std::size_t{256} * 1024;
     // The longest line piece that can be asked for.
     static constexpr std::size_t maior_linha = 4096;
-    // So many bytes behind a line can be read, whatever they are.
+    // So many bytes behind a line may be read; what they hold means nothing.
     static constexpr std::size_t folga = 128;
 
     // Starts reading at the current position of `fd`, which stays the caller's.
@@ -33,16 +33,17 @@ class LeitorLinhas {
         std::size_t tamanho;
     };
 
-    // As proxima(), and lines behind it that were read already, up to `max` in all. Answers how
-    // many (0: as proxima() answers 0). All hold until the next call.
+    // The next line, as proxima(), and the lines behind it that were read already, up to `max` in
+    // all. Answers how many; 0 where proxima() answers 0. All hold until the next call.
     std::size_t varias(Trecho* linhas, std::size_t max, std::size_t limite);
 
-    // Takes back the lines from one of those handed out last on: they will come again.
+    // Takes back `linha`, one of those handed out last, and the lines behind it: they will come
+    // again.
     void devolve(const Trecho& linha) {
         inicio_ = static_cast<std::size_t>(linha.inicio - memoria_.get());
     }
 
-    // The bytes that are read and not yet handed out, and passing over the first of them.
+    // The bytes that are read and not yet handed out; pula() passes over the first of them.
     const char* lidos(std::size_t& quantos) const {
         quantos = fim_ - inicio_;
         return memoria_.get() + inicio_;

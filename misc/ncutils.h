@@ -16,7 +16,7 @@ struct FechaStream {
 // A stdio stream that is closed when it goes out of scope.
 using Stream = std::unique_ptr<std::FILE, FechaStream>;
 
-// Keeps errno as it is now over what a scope still has to clear away.
+// Puts errno back at the end of the scope, for code that clears away after a failure.
 class GuardaErrno {
   public:
     GuardaErrno() = default;
@@ -28,8 +28,8 @@ class GuardaErrno {
     const int erro_ = errno;
 };
 
-// Makes a system call again when a signal interrupted it: `chama` answers as the call does. Not for
-// ever: what is interrupted a thousand times running counts as failed.
+// Makes a system call again when a signal interrupted it: `chama` answers as the call does. Gives
+// up after a thousand interruptions in a row.
 template <class F>
 auto insiste(F chama) {
     auto r = chama();
@@ -42,11 +42,11 @@ auto insiste(F chama) {
 Stream abre_leitura(const char* path);
 
 // As abre_leitura, but only regular files (after links): anything else answers null with errno
-// ENOENT, what cannot be told apart with the reason why.
+// ENOENT. When the kind of file cannot be found out, errno tells why.
 Stream abre_regular(const char* path);
 
 // Opens `path` for writing from its start (created 0666 less the umask, truncated), close-on-exec,
-// and never waits. Null on failure, errno set; what was in the file is then still there.
+// and never waits. Null on failure, errno set; the file's content is then unchanged.
 std::FILE* abre_escrita(const char* path);
 
 // Flushes, syncs and closes `f`. False when anything written to it, ever, did not reach the disk;

@@ -12,7 +12,7 @@ inline bool marca(char c) {
     return c == ' ' || c == '\n' || c == '\r';
 }
 
-// Bit i tells whether p[i] is a blank, LF or CR; at most 64 bytes, and none behind them is read.
+// Bit i tells whether p[i] is a blank, LF or CR, for at most 64 bytes. Nothing behind them is read.
 inline std::uint64_t marcas_uma_a_uma(const char* p, std::size_t n) {
     std::uint64_t m = 0;
     for (std::size_t i = 0; i < n; ++i) m |= std::uint64_t{marca(p[i])} << i;
@@ -31,7 +31,7 @@ inline std::uint64_t marcas_de_16(const char* p) {
 
 inline std::uint64_t marcas(const char* p, std::size_t n) {
     if (n < 16) return marcas_uma_a_uma(p, n);
-    // The last sixteen may overlap those before them, and say the same about them.
+    // The last sixteen may overlap those before them; both say the same about the overlap.
     std::uint64_t m = marcas_de_16(p + n - 16) << (n - 16);
     for (std::size_t i = 0; i + 16 < n; i += 16) m |= marcas_de_16(p + i) << i;
     return m;
@@ -63,8 +63,8 @@ struct Cortes {
                 (metades[0] >> 63 & metades[1])) != 0;
     }
 
-    // Hands the positions to `acao`, in ascending order, until that answers false; answers whether
-    // it never did.
+    // Calls `acao` with each position, in ascending order, until it answers false. True when it
+    // never did.
     template <class Acao>
     bool para_cada(Acao acao) const {
         for (std::size_t metade = 0; metade < 2; ++metade)
@@ -74,8 +74,8 @@ struct Cortes {
     }
 };
 
-// Copies Cortes::maior bytes, with a NUL for each that is a blank or less. All of them must be
-// there: how long the text is, is not asked before they are copied.
+// Copies Cortes::maior bytes, with a NUL in place of each that is a blank or less. All of them must
+// be readable, however long the text is.
 inline Cortes copia_palavras_uma_a_uma(char* para, const char* de) {
     Cortes c{};
     for (std::size_t i = 0; i < Cortes::maior; ++i) {
@@ -147,13 +147,13 @@ class Marcas {
     const char* texto_;
     std::size_t n_;
     std::size_t inicio_ = 0, fim_;  // what was examined last
-    std::uint64_t marcas_;          // its marks that were not told yet
+    std::uint64_t marcas_;          // its marks not yet answered
 };
 
-// Shows the words of a dispatcher line, as positions [inicio, fim): the one that begins the text
-// (it may be empty), then at most `max` more, the last of which is cut to its first character.
-// Words end at runs of blanks; the line ends at LF, at its `n` bytes, or at a CR, but a CR behind a
-// blank is a word. Answers where the line ended. palavra() may write at `fim`.
+// Calls `palavra` for the words of a dispatcher line, with positions [inicio, fim): the one that
+// begins the text (it may be empty), then at most `max` more, the last of which is cut to its first
+// character. Words end at runs of blanks; the line ends at LF, at its `n` bytes, or at a CR, but a
+// CR behind a blank is a word. Answers where the line ended. palavra() may write at `fim`.
 template <class Palavra>
 std::size_t percorre_palavras(const char* texto, std::size_t n, int max, Palavra palavra) {
     Marcas marcas(texto, n);

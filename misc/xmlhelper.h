@@ -22,7 +22,7 @@ enum GtState {
     gtInClose = 5,  // after '/', only '>' may follow
 };
 
-// One tag as read, to be used again for the next one.
+// One tag as read. The object can be used again for the next one.
 class VtXmlTag {
   public:
     VeltoString tagName;
@@ -31,8 +31,8 @@ class VtXmlTag {
     // its value, or none when the value is empty. Null until the first attribute. The tag owns the
     // list and the values.
     VeltoStringList* paramList = nullptr;
-    // Attributes stored at most; more are read over. Who expects only a few sets it, so that a
-    // malformed tag of many megabytes costs no memory.
+    // Attributes stored at most; more are skipped. A caller that expects only a few sets it, so
+    // that a malformed tag of many megabytes costs no memory.
     int maximo = INT_MAX;
 
     VtXmlTag() = default;

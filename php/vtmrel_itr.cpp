@@ -100,15 +100,15 @@ constexpr std::array<int, escritas> lugares = [] {
     return l;
 }();
 
-// A slot that a plain write may fill: neither unset nor a reference, and nothing whose end would
-// run script code.
+// A slot that a plain write may fill: neither unset nor a reference, and nothing whose release
+// would run script code.
 bool intocado(const zval* lugar) {
     return Z_TYPE_P(lugar) > IS_UNDEF && Z_TYPE_P(lugar) <= IS_STRING;
 }
 
 // Writes the row into the object's properties. All values are taken before the first one is
-// written: a value that a script put there may call back into this object as it goes. Stops at an
-// exception.
+// written: the destructor of an object that a script put there may call back into this object.
+// Stops at an exception.
 void vt_mrel_setup_attribs(const LogResult& r, zend_object* o) {
     zval novos[escritas];
     for (std::size_t i = 0; i < escritas; ++i)
