@@ -10,7 +10,7 @@ use Vorna\Mrel\Linha\Consolidado;
 
 /**
  * One consolidation seen from outside. The engine answers the same whatever happened, so point and day
- * files are compared: this object remembers those before, result() looks at those after.
+ * files are compared: this object remembers those before, resultado() looks at those after.
  * The run itself is another process's, which then has the lock no longer than it runs: executa().
  */
 final class Consolidacao
@@ -72,10 +72,10 @@ final class Consolidacao
     /**
      * What has come of it.
      *
-     * @param ?string $morte how the process that ran it ended, when it was not by itself
-     * @param string $erros what it had to say
+     * @param ?int $sinal that ended the process which ran it
+     * @param string $erros what that process had to say
      */
-    public function resultado(?string $morte = null, string $erros = ''): Consolidado
+    public function resultado(?int $sinal = null, string $erros = ''): Consolidado
     {
         clearstatcache();
         $depois = $this->marcas();
@@ -85,7 +85,7 @@ final class Consolidacao
             $dias,
             $dias ? Logs::linhas($this->logs, $dias[0], end($dias)) : 0,
             $ponto === null ? null : new \DateTimeImmutable("$ponto 00:00", $this->relay->fuso),
-            $this->obstaculo ?? $this->motivo($dias, $ponto, $morte, $erros),
+            $this->obstaculo ?? $this->motivo($dias, $ponto, $sinal, $erros),
         );
     }
 
@@ -104,10 +104,10 @@ final class Consolidacao
     }
 
     /** @param list<string> $dias */
-    private function motivo(array $dias, ?string $ponto, ?string $morte, string $erros): ?NaoConsolidado
+    private function motivo(array $dias, ?string $ponto, ?int $sinal, string $erros): ?NaoConsolidado
     {
-        if ($morte !== null) {
-            return NaoConsolidado::interrompido($morte);
+        if ($sinal !== null) {
+            return NaoConsolidado::interrompido($sinal);
         }
         if ($erros !== '') {
             return NaoConsolidado::motor($erros);

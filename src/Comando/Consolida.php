@@ -9,7 +9,6 @@ use Vorna\Mrel\Formato\Humano;
 use Vorna\Mrel\Formato\Json;
 use Vorna\Mrel\Formato\Quadro;
 use Vorna\Mrel\Linha\Consolidado;
-use Vorna\Mrel\Relay;
 use Vorna\Mrel\Rotulos;
 use Vorna\Mrel\Tabelas;
 
@@ -44,16 +43,13 @@ final class Consolida extends Comando
         $feito = $consolidacao->vale()
             ? $consolidacao->resultado(...$this->roda($consolidacao, $pedido, $saida)) : $consolidacao->resultado();
         $saida->escreve($this->textos($feito, $pedido));
-        if ($feito->motivo !== null && (!$feito->feito() || $pedido->formato !== 'json')) {
-            Aplicacao::diz($feito->motivo->frase($pedido->lingua));
-        }
-        return $feito->feito() ? Aplicacao::FEITO : Aplicacao::NAO_FEITO;
+        return $feito->feito() ? Aplicacao::FEITO : throw $feito->motivo;
     }
 
     /**
      * In another process, since the engine answers only at the end.
      *
-     * @return array{?string, string} how it died, if it did, and what it said
+     * @return array{?int, string} the signal that ended it, if one did, and what it said
      */
     private function roda(Consolidacao $consolidacao, Pedido $pedido, Saida $saida): array
     {
@@ -68,7 +64,10 @@ final class Consolida extends Comando
         $barra?->acaba();
         rewind($erros);
         $texto = preg_replace('/^vtmrel: /', '', trim(stream_get_contents($erros)));
-        return [$estado['signaled'] ? "SIG $estado[termsig]" : null, $texto];
+        if ($estado['exitcode'] === Aplicacao::IMPOSSIVEL) {
+            throw new UsoErrado($texto, $texto);  // in the language asked for
+        }
+        return [$estado['signaled'] ? $estado['termsig'] : null, $texto];
     }
 
     /** @return list<string> */
@@ -94,10 +93,11 @@ final class Consolida extends Comando
         $rotulos = new Rotulos($pedido->lingua);
         $humano = new Humano($pedido->lingua);
         $dias = array_map($humano->dia(...), $feito->dias);
-        return [Quadro::ficha([
+        return [Quadro::ficha(array_filter([
             $rotulos->coluna('consolidado', 'dias') => implode(', ', $dias) ?: '-',
             $rotulos->coluna('consolidado', 'linhas') => $humano->numero($feito->linhas),
             $rotulos->coluna('consolidado', 'ponto') => $humano->instante($feito->ponto?->format(DATE_ATOM) ?? '') ?: '-',
-        ])];
+            $rotulos->coluna('consolidado', 'motivo') => $feito->motivo?->frase($pedido->lingua),
+        ], 'is_string'))];
     }
 }

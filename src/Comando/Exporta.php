@@ -65,7 +65,7 @@ final class Exporta extends Lista
     {
         $chave = $pedido->texto('chave');
         if (!$pedido->marcada('anonimo')) {
-            return $chave === null ? null : throw UsoErrado::juntos(
+            return $chave === null ? null : throw new UsoErrado(
                 '--chave só vale com --anonimo: dê os dois, ou nenhum.',
                 '--chave is of use with --anonimo only: give both, or neither.'
             );

@@ -60,7 +60,7 @@ final readonly class Pedido
     {
         if ($this->marcada('excel')) {
             if ($this->texto('formato') !== null && $this->formato !== 'csv') {
-                throw UsoErrado::juntos(
+                throw new UsoErrado(
                     "--excel é csv: não dê com ele --formato $this->formato.",
                     "--excel is csv: do not give --formato $this->formato with it."
                 );

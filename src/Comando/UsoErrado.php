@@ -90,9 +90,4 @@ final class UsoErrado extends Falha
     {
         return new self("Falta --$opcao: $paraQue", "--$opcao is missing: $why");
     }
-
-    public static function juntos(string $frase, string $emIngles): self
-    {
-        return new self($frase, $emIngles);
-    }
 }

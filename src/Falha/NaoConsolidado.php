@@ -75,11 +75,11 @@ final class NaoConsolidado extends Falha
         );
     }
 
-    public static function interrompido(string $como): self
+    public static function interrompido(int $sinal): self
     {
         return new self(
-            "A consolidação não chegou ao fim ($como): rode de novo, ela continua do ponto.",
-            "The consolidation did not come to its end ($como): run again, it goes on from the point."
+            "A consolidação não chegou ao fim (sinal $sinal): rode de novo, ela continua do ponto.",
+            "The consolidation did not come to its end (signal $sinal): run again, it goes on from the point."
         );
     }
 
