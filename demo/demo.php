@@ -5,7 +5,10 @@
 declare(strict_types=1);
 
 require __DIR__ . '/tabela.php';
-require __DIR__ . '/relatorios.php';
+require __DIR__ . '/../src/autoload.php';
+
+use Vorna\Mrel\{Dias, Estado, Falha, Filtro, Periodo, Relatorios, Relay, Rotulos};
+use Vorna\Mrel\Linha\{DiaDeUsuario, Hora, Mensagem, Rastro, Totais};
 
 function titulo(string $texto): void
 {
@@ -42,114 +45,90 @@ function mostra_arquivos(string $raiz, array $paths): int
     return $total[0];
 }
 
-function mostra_totais(Relatorios $r): void
+// The columns of a report under their names: text to the left, what $alinhamento marks ">" to the right.
+function mostra(string $tabela, string $alinhamento, array $colunas, array $celulas, array $mais = []): void
 {
-    $colunas = ['msgs_int', 'bytes_int', 'msgs_ext', 'bytes_ext', 'spam', 'virus', 'error',
-        'att_blocked'];
-    $formata = fn(string $rotulo, array $totais) => [$rotulo, ...array_map(
-        fn(string $c) => str_starts_with($c, 'bytes') ? tamanho($totais[$c]) : numero($totais[$c]),
-        $colunas
-    )];
-    $celulas = [];
-    $soma = array_fill_keys($colunas, 0);
-    foreach ($r->totais() as $dia) {
-        $celulas[] = $formata($r->data($dia['timestamp']), $dia);
-        foreach ($colunas as $c) {
-            $soma[$c] += $dia[$c];
-        }
-    }
-    array_push($celulas, null, $formata('Total', $soma));
-    echo tabela('<>>>>>>>>', ['Dia', 'Internas', 'Tamanho', 'Externas', 'Tamanho', 'Spam', 'Vírus',
-        'Com erro', 'Anexos'], $celulas);
+    $titulos = array_map(fn(string $c) => (new Rotulos())->coluna($tabela, $c), $colunas);
+    echo tabela($alinhamento, [...$titulos, ...$mais], $celulas);
+}
+
+function data(string $dia): string
+{
+    return implode('/', array_reverse(explode('-', $dia)));
+}
+
+function quando(?DateTimeImmutable $t): string
+{
+    return $t?->format('d/m/Y H:i:s') ?? '';
+}
+
+function mostra_totais(array $dias): void
+{
+    $numeros = fn(Totais $t) => [$t->internas, $t->bytesInternas, $t->externas, $t->bytesExternas, $t->spam, $t->virus,
+        $t->comErro];
+    $formata = fn(string $rotulo, array $n) => [$rotulo, numero($n[0]), tamanho($n[1]), numero($n[2]), tamanho($n[3]),
+        ...array_map(numero(...), array_slice($n, 4))];
+    $celulas = array_map(fn(Totais $t) => $formata(data($t->dia), $numeros($t)), $dias);
+    $somas = array_map(fn(int ...$coluna) => array_sum($coluna), ...array_map($numeros, $dias));
+    array_push($celulas, null, $formata('Total', $somas));
+    mostra('dias', '<>>>>>>>', Rotulos::colunas('dias'), $celulas);
     echo "\n  Internas e externas: mensagens cujo remetente é ou não é usuário local.\n";
 }
 
-// The local sender with the most messages.
-function quem_mais_enviou(Relatorios $r): string
+function mostra_dias(iterable $dias): void
 {
-    $internas = array_filter($r->mensagens(), fn(array $m) => $m['interna'] === 1);
-    $remetentes = array_count_values(array_column($internas, 'msg_sendername'));
-    arsort($remetentes);
-    return (string) array_key_first($remetentes);
+    $celulas = array_map(fn(DiaDeUsuario $d) => [data($d->dia), numero($d->enviadas), tamanho($d->bytesEnviados),
+        numero($d->recebidas), tamanho($d->bytesRecebidos), numero($d->spam), numero($d->virus), numero($d->comErro)],
+        iterator_to_array($dias));
+    mostra('dias_usuario', '<>>>>>>>', array_slice(Rotulos::colunas('dias_usuario'), 1), $celulas);
 }
 
-function mostra_dias(Relatorios $r, string $usuario): void
+function mostra_horas(array $horas): void
 {
-    $celulas = [];
-    foreach ($r->dias([$usuario])[$usuario] as $dia) {
-        // Of a user, "ext" is what he sent, "int" what he received; spam and error are crossed.
-        $celulas[] = [$r->data($dia['timestamp']), numero($dia['msgs_ext']),
-            tamanho($dia['bytes_ext']), numero($dia['msgs_int']), tamanho($dia['bytes_int']),
-            numero($dia['error']), numero($dia['virus']), numero($dia['spam'])];
-    }
-    echo tabela('<>>>>>>>', ['Dia', 'Enviadas', 'Tamanho', 'Recebidas', 'Tamanho', 'Spam', 'Vírus',
-        'Erros'], $celulas);
+    $maior = max(1, ...array_map(fn(Hora $h) => $h->internas + $h->externas, $horas));
+    $celulas = array_map(fn(Hora $h) => [sprintf('%02dh', $h->hora), numero($h->internas), numero($h->externas),
+        numero($h->comErro), barra($h->internas + $h->externas, $maior, 40)], $horas);
+    mostra('horas', '<>>><', ['hora', 'internas', 'externas', 'com_erro'], $celulas, ['Internas e externas']);
 }
 
-function mostra_horas(Relatorios $r): void
+function mostra_mensagens(array $mensagens): void
 {
-    $horas = $r->horas();
-    $movimento = array_map(fn(array $h) => $h['msgs_int'] + $h['msgs_ext'], $horas);
-    $celulas = [];
-    foreach ($horas as $i => $h) {
-        $celulas[] = [sprintf('%02dh', $i), numero($h['msgs_int']), numero($h['msgs_ext']),
-            numero($h['spam']), numero($h['virus']), numero($h['error']),
-            barra($movimento[$i], max(1, ...$movimento), 40)];
-    }
-    echo tabela('<>>>>><', ['Hora', 'Internas', 'Externas', 'Spam', 'Vírus', 'Com erro',
-        'Internas e externas'], $celulas);
-    echo "\n  Spam e vírus contam no veredito, e outra vez quando a mensagem termina.\n";
-}
-
-function estado(array $m): string
-{
-    return $m['virus'] ? 'vírus' : ($m['error'] || $m['fatal_error'] ? 'com erro' : 'sem erro');
-}
-
-function mostra_mensagens(Relatorios $r, array $mensagens): void
-{
-    $celulas = [];
-    foreach ($mensagens as $m) {
-        $celulas[] = [$r->quando($m['msg_time']), $m['enviada'] ? 'enviada' : 'recebida',
-            utf8($m['msg_sendername']), tamanho($m['msg_size']), estado($m), utf8($m['msg_id'])];
-    }
-    echo tabela('<<<><<', ['Quando', 'Sentido', 'Remetente', 'Tamanho', 'Estado', 'Mensagem'], $celulas);
+    $rotulos = new Rotulos();
+    $celulas = array_map(fn(Mensagem $m) => [quando($m->quando), $rotulos->valor($m->sentido), $m->remetente ?? '',
+        tamanho($m->bytes ?? 0), $rotulos->valor($m->estado), $m->id], $mensagens);
+    mostra('mensagens', '<<<><<', ['quando', 'sentido', 'remetente', 'bytes', 'estado', 'id'], $celulas);
 }
 
 // Of these messages, the history of the latest one that a recipient refused and others accepted; of
 // the latest one if there is none among them.
-function rastro_a_mostrar(Relatorios $r, array $mensagens): array
+function rastro_a_mostrar(Relatorios $r, array $mensagens): Rastro
 {
-    $com_erro = array_filter($mensagens, fn(array $m) => $m['error'] === 1);
+    $com_erro = array_filter($mensagens, fn(Mensagem $m) => $m->estado === Estado::ComErro);
     foreach (array_slice(array_reverse($com_erro), 0, 40) as $m) {
-        $rastro = $r->rastro($m['msg_id']);
-        $recusas = array_column($rastro['destinatarios'], 'error');
-        if (in_array(1, $recusas, true) && in_array(0, $recusas, true)) {
+        $rastro = $r->rastro($m->id);
+        $estados = array_column($rastro->destinatarios, 'estado');
+        if (in_array(Estado::Recusado, $estados, true) && in_array(Estado::Entregue, $estados, true)) {
             return $rastro;
         }
     }
-    return $r->rastro(end($mensagens)['msg_id']);
+    return $r->rastro(end($mensagens)->id);
 }
 
-function mostra_rastro(Relatorios $r, array $m): void
+function mostra_rastro(Rastro $r): void
 {
-    $encerrada = $m['msg_end_time'] ? $r->quando($m['msg_end_time']) : 'ainda não';
-    $campos = ['Mensagem' => utf8($m['msg_id']), 'Remetente' => utf8($m['msg_sendername']),
-        'Tamanho' => tamanho($m['msg_size']), 'Submetida' => $r->quando($m['msg_time']),
-        'Encerrada' => $encerrada, 'Estado' => estado($m)];
-    foreach ($campos as $rotulo => $valor) {
-        printf("  %-9s  %s\n", $rotulo, $valor);
+    $rotulos = new Rotulos();
+    $campos = ['id' => $r->id, 'remetente' => $r->remetente ?? '', 'bytes' => tamanho($r->bytes ?? 0),
+        'submetida' => quando($r->submetida), 'encerrada' => quando($r->encerrada) ?: 'ainda não',
+        'estado' => $rotulos->valor($r->estado)];
+    foreach ($campos as $coluna => $valor) {
+        printf("  %-9s  %s\n", $rotulos->coluna('rastro', $coluna), $valor);
     }
-    foreach (array_filter(explode("\n", utf8($m['str_error']))) as $frase) {
+    foreach (array_filter(explode("\n", $r->texto)) as $frase) {
         echo "  $frase\n";
     }
     echo "\n";
-    $celulas = [];
-    foreach ($m['destinatarios'] as $d) {
-        $celulas[] = [utf8($d['recipient_name']), $r->quando($d['recipient_time']),
-            utf8($d['recipient_status_msg'])];
-    }
-    echo tabela('<<<', ['Destinatário', 'Quando', 'O que aconteceu'], $celulas);
+    $celulas = array_map(fn($d) => [$d->nome, quando($d->quando), $d->texto], $r->destinatarios);
+    mostra('rastro', '<<<', ['destinatario', 'quando', 'texto'], $celulas);
 }
 
 $raiz = rtrim($argv[1] ?? para('demo.php DIRETORIO'), '/');
@@ -171,30 +150,37 @@ if (!$mrel->setLogDir("$raiz/logs") || !$mrel->setDataDir("$raiz/dat")) {
 $inicio = hrtime(true);
 $mrel->consolidate("$raiz/ultima_consolidacao");
 $segundos = (hrtime(true) - $inicio) / 1e9;
-$relatorios = Relatorios::de("$raiz/dat")
-    ?? para('A consolidação não escreveu nada. Outro processo consolida agora?');
+$dias = (new Dias("$raiz/dat"))->todos()
+    ?: para('A consolidação não escreveu nada. Outro processo consolida agora?');
 echo 'pronto em ' . numero($segundos, 2) . ' s (' . numero($linhas / $segundos)
     . " linhas por segundo).\n";
 
 titulo('3. O que foi escrito: por dia, os eventos e a estatística');
 mostra_arquivos($raiz, [...glob("$raiz/dat/rels_*/*.txt"), "$raiz/ultima_consolidacao"]);
 
-titulo('4. Totais por dia');
-mostra_totais($relatorios);
+try {
+    $relay = new Relay("$raiz/dat", ponto: "$raiz/ultima_consolidacao");
+    $relatorios = new Relatorios($relay);
+    $periodo = Periodo::de($dias[0], end($dias), $relay->fuso);
 
-$usuario = quem_mais_enviou($relatorios);
-titulo('5. Dia a dia de quem mais enviou: ' . utf8($usuario));
-mostra_dias($relatorios, $usuario);
+    titulo('4. Totais por dia');
+    mostra_totais(iterator_to_array($relatorios->totais($periodo)));
 
-titulo('6. Hora a hora, os três dias juntos');
-mostra_horas($relatorios);
+    $usuario = ($relatorios->topo($periodo, n: 1)[0] ?? para('Ninguém enviou nada.'))->nome;
+    titulo("5. Dia a dia de quem mais enviou: $usuario");
+    mostra_dias($relatorios->porUsuario($periodo, [$usuario]));
 
-$mensagens = $relatorios->mensagens($usuario, $usuario) ?: para('Nenhuma mensagem.');
-usort($mensagens, fn(array $a, array $b) => $a['msg_time'] <=> $b['msg_time']);
-titulo('7. As dez últimas mensagens de ' . utf8($usuario));
-mostra_mensagens($relatorios, array_slice($mensagens, -10));
+    titulo('6. Hora a hora, os três dias juntos');
+    mostra_horas($relatorios->horas($periodo));
 
-titulo('8. A história de uma mensagem');
-mostra_rastro($relatorios, rastro_a_mostrar($relatorios, $mensagens));
+    $mensagens = iterator_to_array($relatorios->mensagens($periodo, new Filtro(usuario: $usuario)), false);
+    titulo("7. As dez últimas mensagens de $usuario");
+    mostra_mensagens(array_slice($mensagens, -10));
+
+    titulo('8. A história de uma mensagem');
+    mostra_rastro(rastro_a_mostrar($relatorios, $mensagens));
+} catch (Falha $e) {
+    para($e->getMessage());
+}
 
 echo "\nTudo ficou em $raiz.\n";

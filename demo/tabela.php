@@ -2,16 +2,6 @@
 // Texts and tables for a UTF-8 terminal, without any extension of the engine.
 declare(strict_types=1);
 
-// The engine's texts and day files are ISO-8859-1.
-function utf8(string $latin1): string
-{
-    return preg_replace_callback(
-        '/[\x80-\xFF]/',
-        fn(array $m) => chr(0xC0 | ord($m[0]) >> 6) . chr(0x80 | ord($m[0]) & 0x3F),
-        $latin1
-    );
-}
-
 // Columns that a UTF-8 text takes: its characters, as long as none is a wide or a combining one.
 function largura(string $texto): int
 {

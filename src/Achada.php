@@ -24,7 +24,10 @@ final class Achada
     {
     }
 
-    /** @param ?array{string, string, bool} $submissao time, what stands behind the id, whether a virus was found since */
+    /**
+     * @param ?array{string, string, bool} $submissao time, what stands behind the id, whether a virus was
+     *     found since
+     */
     public function define(?array $submissao): void
     {
         $campos = explode(' ', $submissao[1] ?? '', 4);  // class, sender, size

@@ -29,6 +29,9 @@ final class Busca
     /** Events after which the queue lets go of a message: end, virus, final error, size. */
     private const FINAIS = [4 => true, 15 => true, 10 => true, 13 => true];
 
+    /** Later than every day. */
+    private const SEM_FIM = '9999';
+
     private readonly Selecao $selecao;
     private readonly ?Nome $de;
     private readonly ?Nome $para;
@@ -132,7 +135,10 @@ final class Busca
                     if (isset($this->linhas[$id])) {
                         $this->linhas[$id]->encerrada = true;
                     }
-                } elseif ($status[$i] === Compacto::SUBMISSAO && stripos($restos[$i], $nome) === false) {
+                } elseif (
+                    $status[$i] === Compacto::SUBMISSAO && !isset($this->linhas[$id])
+                    && stripos($restos[$i], $nome) === false
+                ) {
                     if ($guarda) {
                         $this->origens[$id] = [$tempos[$i], $restos[$i], false];
                     }
@@ -148,6 +154,9 @@ final class Busca
     private function acompanha(array $depois): void
     {
         $abertas = array_filter($this->abertas, static fn (Achada $a): bool => !$a->encerrada);
+        foreach (array_diff_key($this->abertas, $abertas) as $id => $_) {
+            $this->resolvidas[$id] = self::SEM_FIM;  // an acceptance that comes all the same makes no second row
+        }
         $this->abertas = [];
         foreach ($depois as $dia => $arquivo) {
             if (!$abertas) {
@@ -157,7 +166,9 @@ final class Busca
                 [$tempos, $status, $ids, $restos] = $this->selecao->eventosDe($bloco, $abertas);
                 foreach ($ids as $i => $id) {
                     $a = $abertas[$id] ?? null;
-                    if ($a) {
+                    if ($a && $status[$i] === Compacto::SUBMISSAO) {
+                        unset($abertas[$id]);  // another message of the same id
+                    } elseif ($a) {
                         $this->evento($a, $status[$i], $tempos[$i], $restos[$i]);
                         $this->resolvidas[$id] = $dia;
                         if ($a->encerrada) {
@@ -217,11 +228,11 @@ final class Busca
     /** @param array{string, string, bool} $origem */
     private function submetida(string $id, array $origem): void
     {
-        unset($this->resolvidas[$id]);
+        if (isset($this->linhas[$id])) {
+            $this->refeitas[] = $this->linhas[$id];
+        }
+        unset($this->resolvidas[$id], $this->linhas[$id], $this->abertas[$id]);
         if ($this->enviada($id, explode(' ', $origem[1], 3)[1] ?? null)) {
-            if (isset($this->linhas[$id])) {
-                $this->refeitas[] = $this->linhas[$id];
-            }
             $a = $this->linhas[$id] = $this->abertas[$id] = new Achada($id);
             $a->define($origem);
             $a->enviada = true;

@@ -6,7 +6,10 @@ namespace Vorna\Mrel;
 
 use Vorna\Mrel\Falha\EntradaInvalida;
 
-/** The name of a user as it is asked for: a whole address in any ASCII letter case, or, with "*" at its end, a beginning. */
+/**
+ * The name of a user as it is asked for: a whole address in any ASCII letter case, or, with "*" at its end,
+ * a beginning.
+ */
 final readonly class Nome
 {
     public bool $comeco;

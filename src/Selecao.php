@@ -13,8 +13,10 @@ namespace Vorna\Mrel;
  */
 final readonly class Selecao
 {
-    /** From about so many texts on, looking for each costs more than the pattern. */
+    /** From about so many ids on, looking through a block for each costs more than the pattern. */
     private const MUITOS = 8;
+    /** Likewise for ids that were met in the block: their events are near to each other. */
+    private const MUITOS_ACHADOS = 200;
 
     /** Submission, end, and what marks a row: errors, virus. */
     private const SEMPRE = '1|4|5|8|9|10|13|15|17';
@@ -39,7 +41,8 @@ final readonly class Selecao
         $aceites = match (true) {
             $deTodos => '|2',
             $para?->bytes === null => '',
-            default => '|2(?= [^ \n]+ (?i:' . preg_quote($para->bytes, '/') . ')' . ($para->comeco ? ')' : '(?:[ \n]|\z))'),
+            default => '|2(?= [^ \n]+ (?i:' . preg_quote($para->bytes, '/') . ')'
+                . ($para->comeco ? ')' : '(?:[ \n]|\z))'),
         };
         $this->seus = self::padrao('|2');
         $this->todos = self::padrao($aceites);
@@ -61,25 +64,32 @@ final readonly class Selecao
     {
         if (
             $this->texto === null || count($abertas) > self::MUITOS
-            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > 3 * self::MUITOS
+            || preg_match_all($this->texto, $bloco, $achados, PREG_OFFSET_CAPTURE) > self::MUITOS_ACHADOS
         ) {
             return self::colunas($this->todos, $bloco);
         }
         $linhas = [];
+        foreach ($abertas as $id => $_) {
+            self::avanca($bloco, (string) $id, 0, $linhas);
+        }
         foreach ($achados[0] as [, $lugar]) {
-            $linhas[] = self::linha($bloco, self::inicio($bloco, $lugar));
-        }
-        [, $status, $ids, $restos] = self::colunas($this->seus, implode("\n", $linhas));
-        foreach ($ids as $i => $id) {
-            if ($faz($status[$i], $id, $restos[$i])) {
-                $abertas[$id] = true;
+            $inicio = self::inicio($bloco, $lugar);
+            $linha = self::linha($bloco, $inicio);
+            if (preg_match($this->seus, $linha, $m) !== 1 || !$faz($m[2], $m[3], $m[4] ?? '')) {
+                continue;
             }
+            $linhas[$inicio] = $linha;
+            if ($m[2] !== Compacto::SUBMISSAO) {
+                self::recua($bloco, $m[3], $inicio, $linhas);
+            }
+            self::avanca($bloco, $m[3], $inicio, $linhas);
         }
-        return $this->eventosDe($bloco, $abertas);
+        ksort($linhas);
+        return self::colunas($this->seus, implode("\n", $linhas));
     }
 
     /**
-     * The events of the messages given; where they are many, of others too.
+     * The events of the messages given, to their end; where they are many, of others too.
      *
      * @param array<string, mixed> $ids by id
      * @return array{list<string>, list<string>, list<string>, list<string>}
@@ -91,13 +101,37 @@ final readonly class Selecao
         }
         $linhas = [];
         foreach ($ids as $id => $_) {
-            for ($lugar = 0; ($lugar = strpos($bloco, " $id", $lugar)) !== false; ++$lugar) {
-                $inicio = self::inicio($bloco, $lugar);
-                $linhas[$inicio] ??= self::linha($bloco, $inicio);
-            }
+            self::avanca($bloco, (string) $id, 0, $linhas);
         }
         ksort($linhas);
         return self::colunas($this->seus, implode("\n", $linhas));
+    }
+
+    /** The lines of a message from a place on, to its end. */
+    private static function avanca(string $bloco, string $id, int $lugar, array &$linhas): void
+    {
+        while (($lugar = strpos($bloco, " $id", $lugar)) !== false) {
+            $inicio = self::inicio($bloco, $lugar++);
+            $linhas[$inicio] ??= self::linha($bloco, $inicio);
+            if (str_ends_with($linhas[$inicio], ' ' . Compacto::FIM . " $id")) {
+                return;
+            }
+        }
+    }
+
+    /** The lines of a message before a place, back to its submission. */
+    private static function recua(string $bloco, string $id, int $lugar, array &$linhas): void
+    {
+        while ($lugar > 0 && ($lugar = strrpos($bloco, " $id", $lugar - 1 - strlen($bloco))) !== false) {
+            $lugar = self::inicio($bloco, $lugar);
+            if (isset($linhas[$lugar])) {
+                return;
+            }
+            $linhas[$lugar] = self::linha($bloco, $lugar);
+            if (preg_match('/^\S+ \S+ ' . Compacto::SUBMISSAO . ' /', $linhas[$lugar])) {
+                return;
+            }
+        }
     }
 
     private static function colunas(string $padrao, string $texto): array

@@ -49,8 +49,10 @@ final class DadosInacessiveis extends Falha
     {
         $c = self::cita($caminho);
         return new self(
-            "A extensão não aceita o diretório $c: o caminho tem mais de 128 bytes ou um byte nulo. Use um atalho mais curto.",
-            "The extension does not take the directory $c: its path has more than 128 bytes or a NUL byte. Use a shorter link."
+            "A extensão não aceita o diretório $c: o caminho tem mais de 128 bytes ou um byte nulo. Use um "
+                . "atalho mais curto.",
+            "The extension does not take the directory $c: its path has more than 128 bytes or a NUL byte. "
+                . "Use a shorter link."
         );
     }
 }

@@ -13,7 +13,8 @@ final class DiaIlegivel extends Falha
     {
         $a = self::cita($arquivo);
         return new self(
-            "O dia $dia não pode ser lido: $a existe, mas este usuário não consegue abri-lo. Confira dono e permissões.",
+            "O dia $dia não pode ser lido: $a existe, mas este usuário não consegue abri-lo. Confira dono e "
+                . "permissões.",
             "The day $dia cannot be read: $a is there, but this user cannot open it. Check owner and permissions."
         );
     }

@@ -31,8 +31,10 @@ final class EntradaInvalida extends Falha
     {
         $t = self::cita($texto);
         return new self(
-            "\"$t\" não é uma data nem um período: escreva 2026-03-10, hoje, ontem, ultimos-7, este-mes ou mes-passado.",
-            "\"$t\" is neither a date nor a period: write 2026-03-10, today, yesterday, last-7, this-month or last-month."
+            "\"$t\" não é uma data nem um período: escreva 2026-03-10, hoje, ontem, ultimos-7, este-mes ou "
+                . "mes-passado.",
+            "\"$t\" is neither a date nor a period: write 2026-03-10, today, yesterday, last-7, this-month "
+                . "or last-month."
         );
     }
 

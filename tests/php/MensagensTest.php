@@ -70,10 +70,23 @@ final class MensagensTest extends TestCase
         );
     }
 
+    /** The queue lets go of a message at its final error; what comes behind makes no second row. */
+    public function testErroFinalEVirus(): void
+    {
+        $this->arvore
+            ->eventos('2026-03-10', '10:00 1 1 F1 INTERNO ana@x.example 1', '10:01 2 2 F1 rui@y.example', '10:02 2 10 F1 550 fim',
+                '11:00 1 1 F2 INTERNO ana@x.example 2', '11:01 2 15 F2', '11:02 2 2 F2 rui@y.example')
+            ->eventos('2026-03-12', '10:01 2 2 F1 rui@y.example', '10:02 1 1 F2 INTERNO eva@x.example 3', '10:03 2 2 F2 rui@y.example',
+                '10:04 1 1 F2 INTERNO ivo@x.example 4', '10:05 2 2 F2 rui@y.example');
+        $rui = ['F1 recebida 10 10:01 ana@x.example 1 com_erro', 'F2 recebida 10 11:02 ana@x.example 2 virus',
+            'F2 recebida 12 10:03 eva@x.example 3 sem_erro', 'F2 recebida 12 10:05 ivo@x.example 4 sem_erro'];
+        self::assertSame($rui, $this->lista($this->periodo('10', '12'), new Filtro(destinatario: 'rui@y.example')));
+    }
+
     public function testParaSi(): void
     {
         $this->arvore
-            ->eventos('2026-03-10', '10:00 1 1 S1 INTERNO ana@x.example 1', '10:01 1 2 S1 Ana@X.example', '10:02 1 4 S1',
+            ->eventos('2026-03-10', '10:00 1 1 S1 INTERNO ana@x.example 1', '10:00 2 5 S1 x.example', '10:01 1 2 S1 Ana@X.example', '10:02 1 4 S1',
                 '11:00 1 1 S2 INTERNO ana@x.example 2', '12:00 1 1 S3 INTERNO rui@x.example 3', '12:01 1 2 S3 ana@x.example')
             ->eventos('2026-03-11', '00:10 1 2 S2 ana@x.example', '00:11 1 4 S2', '00:12 1 2 S3 rui@x.example', '00:13 1 4 S3');
         $ana = new Filtro(usuario: 'ana@x.example');

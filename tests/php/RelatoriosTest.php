@@ -88,6 +88,8 @@ final class RelatoriosTest extends TestCase
         self::assertCount(5, $nomes);
         $linhas = iterator_to_array($this->r->porUsuario($this->p, [$nomes[2], 'ninguem', $nomes[0], $nomes[2]]), false);
         self::assertSame([$nomes[2], $nomes[0]], array_values(array_unique(array_column($linhas, 'usuario'))));
+        $diasDeUsuarios = array_map(fn ($l) => "$l->usuario $l->dia", $linhas);
+        self::assertSame(array_values(array_unique($diasDeUsuarios)), $diasDeUsuarios);
         $spam = $erros = 0;
         foreach ([$nomes[2], $nomes[0]] as $nome) {
             $doUsuario = array_filter($linhas, fn ($l) => $l->usuario === $nome);
