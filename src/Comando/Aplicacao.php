@@ -58,6 +58,9 @@ final class Aplicacao extends Application
     {
         // Completion names the command after this one.
         $_SERVER['argv'][0] = $_SERVER['PHP_SELF'] = dirname(__DIR__, 2) . '/bin/vtmrel';
+        // Else the console starts a program to ask for the size of the terminal.
+        getenv('COLUMNS') !== false || putenv('COLUMNS=80');
+        getenv('LINES') !== false || putenv('LINES=24');
         set_error_handler(static function (int $nivel, string $texto, string $arquivo, int $linha): bool {
             return (error_reporting() & $nivel) === 0 ? false : throw new \ErrorException($texto, 0, $nivel, $arquivo, $linha);
         });

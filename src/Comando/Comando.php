@@ -16,15 +16,27 @@ abstract class Comando extends Command
 {
     /** Names in Opcoes, besides those that all commands have. */
     public const OPCOES = [];
+    /** The tables that it answers with, as in Rotulos; and when, if there are several. */
+    public const TABELAS = [];
+
+    /** @var list<string> */
+    private array $exemplos = [];
 
     abstract protected function responde(Pedido $pedido, Saida $saida): int;
 
     /** @param list<string> $exemplos */
     protected function descreve(string $nome, string $ingles, string $texto, string $text, array $exemplos): static
     {
+        $this->exemplos = $exemplos;
         return $this->setName($nome)->setAliases([$ingles])->setDescription("$texto / $text")
             ->setDefinition(Opcoes::definicoes([...static::OPCOES, ...Opcoes::COMUNS]))
             ->setHelp("<comment>Exemplos / Examples:</comment>\n  " . implode("\n  ", $exemplos));
+    }
+
+    /** @return list<string> */
+    final public function exemplos(): array
+    {
+        return $this->exemplos;
     }
 
     final protected function execute(InputInterface $input, OutputInterface $output): int

@@ -16,6 +16,7 @@ use Vorna\Mrel\Tabelas;
 final class Consolida extends Comando
 {
     public const OPCOES = ['forcar'];
+    public const TABELAS = ['consolidado' => ''];
 
     private const OLHADA = 50000;  // microseconds from one look at the process to the next
 

@@ -12,6 +12,7 @@ use Vorna\Mrel\Tabelas;
 final class Dias extends Lista
 {
     public const OPCOES = ['usuarios'];
+    public const TABELAS = ['dias' => 'Totais / Totals', 'dias_usuario' => 'Com --usuario / With --usuario'];
 
     protected function configure(): void
     {

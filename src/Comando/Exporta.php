@@ -17,6 +17,7 @@ use Vorna\Mrel\Tabelas;
 final class Exporta extends Lista
 {
     public const OPCOES = ['anonimo', 'chave'];
+    public const TABELAS = ['totais' => 'totais', 'usuarios' => 'usuarios', 'eventos' => 'eventos'];
 
     private const QUE = ['totais', 'usuarios', 'eventos'];
     private const QUE_INGLES = ['totals' => 'totais', 'users' => 'usuarios', 'events' => 'eventos'];

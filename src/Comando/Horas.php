@@ -12,6 +12,7 @@ use Vorna\Mrel\Tabelas;
 final class Horas extends Lista
 {
     public const OPCOES = ['usuario'];
+    public const TABELAS = ['horas' => 'Todos / Everybody', 'horas_usuario' => 'Com --usuario / With --usuario'];
 
     protected function configure(): void
     {

@@ -13,6 +13,7 @@ use Vorna\Mrel\Tabelas;
 final class Mensagens extends Lista
 {
     public const OPCOES = ['usuario', 'remetente', 'destinatario', 'id', 'min-kb', 'max-kb', 'limite', 'todas'];
+    public const TABELAS = ['mensagens' => ''];
 
     protected function configure(): void
     {

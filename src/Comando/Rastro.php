@@ -13,6 +13,8 @@ use Vorna\Mrel\Tabelas;
 /** The history of one message. */
 final class Rastro extends Comando
 {
+    public const TABELAS = ['rastro' => ''];
+
     protected function configure(): void
     {
         $this->descreve(

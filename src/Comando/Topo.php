@@ -13,6 +13,7 @@ use Vorna\Mrel\Tabelas;
 final class Topo extends Lista
 {
     public const OPCOES = ['por', 'n', 'dominios'];
+    public const TABELAS = ['topo' => 'Usuários / Users', 'topo_dominios' => 'Com --dominios / With --dominios'];
 
     private const QUANTOS = 20;
 

@@ -75,7 +75,7 @@ final class Quadro implements Formato
         $largura = max(array_map(self::largura(...), array_keys($campos)));
         $texto = '';
         foreach ($campos as $nome => $valor) {
-            $texto .= $nome . str_repeat(' ', $largura - self::largura($nome)) . "  $valor\n";
+            $texto .= rtrim($nome . str_repeat(' ', $largura - self::largura($nome)) . "  $valor") . "\n";
         }
         return $texto;
     }
