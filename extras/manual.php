@@ -57,8 +57,8 @@ echo "vtmrel \\- relatórios de correio de um relay / mail reports of a relay\n"
 secao('SYNOPSIS');
 foreach ($comandos as $nome => $comando) {
     $argumentos = array_map('strtoupper', array_keys($comando->getDefinition()->getArguments()));
-    echo ".br\n\\fBvtmrel $nome\\fR ", ...array_map(static fn ($a): string => "\\fI$a\\fR ", $argumentos);
-    echo "[\\fIopções / options\\fR]\n";
+    $palavras = [...array_map(static fn ($a): string => "\\fI$a\\fR", $argumentos), "[\\fIopções / options\\fR]"];
+    echo ".br\n\\fBvtmrel $nome\\fR ", implode(' ', $palavras), "\n";
 }
 secao('DESCRIPTION');
 echo roff(
