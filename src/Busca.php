@@ -33,6 +33,7 @@ final class Busca
     private const SEM_FIM = '9999';
 
     private readonly Selecao $selecao;
+    private readonly Selecao $antes;
     private readonly ?Nome $de;
     private readonly ?Nome $para;
     private readonly ?string $id;
@@ -68,7 +69,11 @@ final class Busca
         $this->para = $filtro->usuario ?? $filtro->destinatario;
         $this->id = $filtro->id === null ? null : Texto::latin1($filtro->id) ?? '';
         $this->entre = $filtro->remetente && $filtro->destinatario;
-        $this->selecao = new Selecao(...[...$this->agulhas(), $this->para, !$this->para && $this->id !== null]);
+        $agulhas = $this->agulhas();
+        // Who sent a message received is looked for among all submissions.
+        $de = $this->para && !$this->entre ? null : $this->de;
+        $this->selecao = new Selecao(...[...$agulhas, $de, $this->para, !$this->para && $this->id !== null]);
+        $this->antes = new Selecao(...[...$agulhas, $this->de, null, false]);
     }
 
     /** @return \Generator<int, Mensagem> */
@@ -124,10 +129,11 @@ final class Busca
 
     private function le(string $arquivo): void
     {
-        $guarda = $this->para && !$this->entre;
+        $guarda = $this->noPeriodo && $this->para && !$this->entre;
+        $selecao = $this->noPeriodo ? $this->selecao : $this->antes;
         $nome = $this->de ? $this->de->bytes ?? "\n" : ($this->para ? "\n" : '');
         foreach (Compacto::blocos($arquivo) as $bloco) {
-            [$tempos, $status, $ids, $restos] = $this->selecao->eventos($bloco, $this->abertas, $this->faz(...));
+            [$tempos, $status, $ids, $restos] = $selecao->eventos($bloco, $this->abertas, $this->faz(...));
             foreach ($ids as $i => $id) {
                 // Most lines of a block are ends and submissions of messages that nobody asked for.
                 if ($status[$i] === Compacto::FIM) {
@@ -333,10 +339,12 @@ final class Busca
      */
     private function emOrdem(array $achadas): \Generator
     {
-        // Not <=> for ids: "1E3" and "1000" would be equal.
-        usort($achadas, fn (Achada $a, Achada $b): int =>
-            $this->quando($a) <=> $this->quando($b) ?: strcmp($a->id, $b->id));
-        foreach ($achadas as $a) {
+        $quandos = array_map($this->quando(...), $achadas);
+        $ids = array_column($achadas, 'id');
+        $ordem = array_keys($achadas);
+        array_multisort($quandos, SORT_ASC, SORT_NUMERIC, $ids, SORT_ASC, SORT_STRING, $ordem);
+        foreach ($ordem as $i) {
+            $a = $achadas[$i];
             if (!$this->filtro->cabe($a->bytes)) {
                 continue;
             }

@@ -18,39 +18,41 @@ final readonly class Selecao
     /** Likewise for ids that were met in the block: their events are near to each other. */
     private const MUITOS_ACHADOS = 200;
 
-    /** Submission, end, and what marks a row: errors, virus. */
-    private const SEMPRE = '1|4|5|8|9|10|13|15|17';
+    /** The end, and what marks a row: errors, virus. */
+    private const SEMPRE = '4|5|8|9|10|13|15|17';
 
     /** Finds the text that the lines which make a row share; null when they share none. */
     private ?string $texto;
     /** All events of a message that a search may need. */
     private string $seus;
-    /** Those of all messages, but of acceptances only those by the recipient looked for. */
+    /** Those of all messages, but of submissions and acceptances only those by the names looked for. */
     private string $todos;
 
     /**
      * @param ?string $texto a field of the lines that make a row, ASCII letter case aside; null if there is none
      * @param bool $comeco whether the field may go on behind it
+     * @param ?Nome $de whose submissions count; null for everybody's
      * @param ?Nome $para whose acceptances count; null for nobody's
      * @param bool $deTodos whether all acceptances count
      */
-    public function __construct(?string $texto, bool $comeco, ?Nome $para, bool $deTodos)
+    public function __construct(?string $texto, bool $comeco, ?Nome $de, ?Nome $para, bool $deTodos)
     {
         $this->texto = $texto === null || ($comeco && strlen($texto) < 3) ? null
             : '/ ' . preg_quote($texto, '/') . ($comeco ? '' : '(?=[ \n]|\z)') . '/i';
-        $aceites = match (true) {
-            $deTodos => '|2',
-            $para?->bytes === null => '',
-            default => '|2(?= [^ \n]+ (?i:' . preg_quote($para->bytes, '/') . ')'
-                . ($para->comeco ? ')' : '(?:[ \n]|\z))'),
-        };
-        $this->seus = self::padrao('|2');
-        $this->todos = self::padrao($aceites);
+        $this->seus = self::padrao('1|2');
+        $submissoes = $de ? '1(?= [^ \n]+ [^ \n]+' . self::nome($de) . ')' : '1';
+        $aceites = $para ? '2(?= [^ \n]+' . self::nome($para) . ')' : '2';
+        $this->todos = self::padrao($para || $deTodos ? "$submissoes|$aceites" : $submissoes);
     }
 
-    private static function padrao(string $aceites): string
+    private static function nome(Nome $nome): string
     {
-        return '/^([0-9a-f]+) \d+ (' . self::SEMPRE . "$aceites) ([^ \\n]+)(?: (.*))?$/m";
+        return ' (?i:' . preg_quote($nome->bytes ?? "\n", '/') . ')' . ($nome->comeco ? '' : '(?:[ \n]|\z)');
+    }
+
+    private static function padrao(string $nomes): string
+    {
+        return "/^([0-9a-f]+) \\d+ ($nomes|" . self::SEMPRE . ") ([^ \\n]+)(?: (.*))?$/m";
     }
 
     /**
