@@ -50,7 +50,13 @@ final class Saida extends ConsoleOutput
         while ($texto !== '') {
             error_clear_last();
             $n = @fwrite(STDOUT, $texto);
-            if ($n === false || $n === 0) {
+            if ($n === 0) {
+                // A pipe that somebody has set not to block, and that is full.
+                [$ler, $escrever, $outros] = [null, [STDOUT], null];
+                stream_select($ler, $escrever, $outros, 1);
+                continue;
+            }
+            if ($n === false) {
                 preg_match('/errno=(\d+) (.*)/', error_get_last()['message'] ?? '', $m);
                 throw new SaidaPerdida((int) ($m[1] ?? 0), $m[2] ?? '');
             }
