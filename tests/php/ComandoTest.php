@@ -138,6 +138,9 @@ final class ComandoTest extends TestCase
         self::assertSame('matriz', $nome(Vtmrel::roda(['exporta', 'totais', "--config=$arquivo"])));
         self::assertSame('matriz', $nome(Vtmrel::roda(['exporta', 'totais'], ['VT_MREL_CONFIG' => $arquivo])));
         self::assertSame('local', $nome(Vtmrel::roda(['exporta', 'totais', ...$this->dados], ['VT_MREL_CONFIG' => $arquivo])));
+        // Options go before a configuration that is named beside them.
+        file_put_contents($arquivo, "[matriz]\ndados = /nao/existe\n");
+        self::assertSame('matriz', $nome(Vtmrel::roda(['exporta', 'totais', "--config=$arquivo", ...$this->dados])));
         self::assertSame('x', $nome(Vtmrel::roda(['exporta', 'totais', '--relay=x', ...$this->dados])));
         file_put_contents($arquivo, "[matriz]\n{$secao}[filial]\n$secao");
         self::assertSame('filial', $nome(Vtmrel::roda(['exporta', 'totais', '--relay=filial', "--config=$arquivo"])));

@@ -76,6 +76,7 @@ final class FormatosTest extends TestCase
             self::assertGreaterThan(2, count($pedacos));
             self::assertLessThan(2 * Formato::PEDACO, max(array_map('strlen', $pedacos)));
         }
+        self::assertSame('"\u009b\u007f\u001bé"', Json::texto("\u{9B}\x7F\x1Bé"));
         self::assertSame("[]\n", self::escreve(new Json(), new Tabela('topo', [])));
     }
 
