@@ -117,6 +117,15 @@ final readonly class Rotulos
         'erros' => ['erros', 'errors'],
     ];
 
+    private const CONSOLIDADO = [
+        'dias' => ['Dias', 'Days', 'Os dias cujos arquivos foram escritos.', 'The days whose files were written.'],
+        'linhas' => ['Linhas', 'Lines', 'As linhas desses dias nos logs.', 'The lines of those days in the logs.'],
+        'ponto' => ['Ponto', 'Point', 'A meia-noite até a qual todos os dias estão completos.',
+            'The midnight up to which all days are complete.'],
+        'motivo' => ['Motivo', 'Reason', 'Por que nada foi feito, ou não tudo; vazio quando tudo foi feito.',
+            'Why nothing was done, or not all; empty when all was done.'],
+    ];
+
     private int $i;
 
     /** @param string $lingua "pt" or "en"; any other is "pt" */
@@ -129,7 +138,7 @@ final readonly class Rotulos
     public static function tabelas(): array
     {
         return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'topo', 'topo_dominios', 'mensagens', 'rastro',
-            'totais', 'usuarios', 'eventos'];
+            'totais', 'usuarios', 'eventos', 'consolidado'];
     }
 
     /**
@@ -185,6 +194,7 @@ final readonly class Rotulos
             'rastro' => self::rastro(),
             'usuarios' => self::usuarios(),
             'eventos' => self::eventos(),
+            'consolidado' => self::CONSOLIDADO,
         };
     }
 

@@ -6,3 +6,4 @@ declare(strict_types=1);
 
 require dirname(__DIR__, 2) . '/src/autoload.php';
 require __DIR__ . '/Arvore.php';
+require __DIR__ . '/Vtmrel.php';

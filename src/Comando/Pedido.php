@@ -1,0 +1,150 @@
+<?php
+
+declare(strict_types=1);
+
+namespace Vorna\Mrel\Comando;
+
+use Symfony\Component\Console\Input\InputInterface;
+use Vorna\Mrel\Calendario;
+use Vorna\Mrel\Configuracao;
+use Vorna\Mrel\Falha\EntradaInvalida;
+use Vorna\Mrel\Formato;
+use Vorna\Mrel\Formato\Csv;
+use Vorna\Mrel\Formato\Json;
+use Vorna\Mrel\Formato\Quadro;
+use Vorna\Mrel\Fuso;
+use Vorna\Mrel\Periodo;
+use Vorna\Mrel\Relatorios;
+use Vorna\Mrel\Relay;
+
+/** What was asked for at the command line, in the library's terms. */
+final readonly class Pedido
+{
+    private const CONFIGURACAO = '/etc/vt-mrel.ini';
+
+    public Relay $relay;
+    public string $lingua;
+    /** One of Opcoes::FORMATOS. */
+    public string $formato;
+
+    public function __construct(private InputInterface $entrada, bool $terminal)
+    {
+        $this->lingua = $this->escolha('lingua', Opcoes::LINGUAS) ?? Lingua::doAmbiente();
+        $this->formato = $this->escolha('formato', Opcoes::FORMATOS) ?? ($terminal ? 'tabela' : 'csv');
+        $this->relay = $this->umRelay();
+    }
+
+    /** @return list<string> the names that --relay may have */
+    public static function relays(?string $config): array
+    {
+        return array_map('strval', array_keys(Configuracao::le($config ?? self::configuracao())->relays));
+    }
+
+    public function relatorios(): Relatorios
+    {
+        return new Relatorios($this->relay);
+    }
+
+    /** What --de and --ate say; the last complete day when they say nothing. */
+    public function periodo(): Periodo
+    {
+        return (new Calendario($this->relay))->periodo($this->texto('de'), $this->texto('ate'));
+    }
+
+    public function temPeriodo(): bool
+    {
+        return ($this->texto('de') ?? '') !== '' || ($this->texto('ate') ?? '') !== '';
+    }
+
+    public function comoEscrever(): Formato
+    {
+        if ($this->marcada('excel')) {
+            if ($this->texto('formato') !== null && $this->formato !== 'csv') {
+                throw new UsoErrado(
+                    "--excel é csv: não dê com ele --formato $this->formato.",
+                    "--excel is csv: do not give --formato $this->formato with it."
+                );
+            }
+            return new Csv(planilha: true);
+        }
+        return match ($this->formato) {
+            'tabela' => new Quadro($this->lingua),
+            'csv' => new Csv(),
+            'ndjson' => new Json(porLinha: true),
+            'json' => new Json(),
+        };
+    }
+
+    public function texto(string $opcao): ?string
+    {
+        return $this->entrada->hasOption($opcao) ? $this->entrada->getOption($opcao) : null;
+    }
+
+    /** @return list<string> */
+    public function textos(string $opcao): array
+    {
+        return $this->entrada->getOption($opcao);
+    }
+
+    public function argumento(string $nome): string
+    {
+        return $this->entrada->getArgument($nome);
+    }
+
+    public function marcada(string $opcao): bool
+    {
+        return $this->entrada->hasOption($opcao) && $this->entrada->getOption($opcao);
+    }
+
+    public function numero(string $opcao): ?int
+    {
+        $texto = $this->texto($opcao);
+        if ($texto !== null && !preg_match('/^\d{1,9}$/D', $texto)) {
+            throw UsoErrado::numero($opcao, $texto);
+        }
+        return $texto === null ? null : (int) $texto;
+    }
+
+    /** @param list<string> $possiveis */
+    public function escolha(string $opcao, array $possiveis): ?string
+    {
+        $texto = $this->texto($opcao);
+        if ($texto === null) {
+            return null;
+        }
+        $valor = Opcoes::valor($opcao, $texto);
+        return in_array($valor, $possiveis, true) ? $valor : throw UsoErrado::valor($opcao, $texto, $possiveis);
+    }
+
+    /** That of the configuration, with what options say instead; or one made of options alone. */
+    private function umRelay(): Relay
+    {
+        [$dados, $config, $nome] = [$this->texto('dados'), $this->texto('config'), $this->texto('relay')];
+        if ($nome !== null && !preg_match('//u', $nome)) {
+            throw EntradaInvalida::texto($nome);
+        }
+        $base = null;
+        if ($config !== null || $dados === null) {
+            $arquivo = $config ?? self::configuracao();
+            if ($config === null && $arquivo === self::CONFIGURACAO && !file_exists($arquivo)) {
+                throw UsoErrado::semDados($arquivo);
+            }
+            $base = Configuracao::le($arquivo)->relay($nome);
+        }
+        $fuso = $this->texto('fuso');
+        $dominios = $this->texto('dominios-locais');
+        return new Relay(
+            $dados ?? $base->dados,
+            $base->nome ?? $nome ?? 'local',
+            $this->texto('logs') ?? $base?->logs,
+            $this->texto('ponto') ?? $base?->ponto,
+            $dominios !== null ? Relay::dominios($dominios) : $base->dominios ?? [],
+            $fuso !== null ? Fuso::de($fuso) : $base?->fuso,
+        );
+    }
+
+    private static function configuracao(): string
+    {
+        return getenv('VT_MREL_CONFIG') ?: self::CONFIGURACAO;
+    }
+}

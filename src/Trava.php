@@ -1,0 +1,51 @@
+<?php
+
+declare(strict_types=1);
+
+namespace Vorna\Mrel;
+
+/** The lock that lets one process a machine consolidate, as seen from outside. */
+final class Trava
+{
+    public const ARQUIVO = '/tmp/vtmrel.lck';
+
+    /** Who holds it: "1234 (php8.2, relreports)"; null when nobody is seen to. */
+    public static function dono(): ?string
+    {
+        clearstatcache(true, self::ARQUIVO);
+        $inodo = @fileinode(self::ARQUIVO);
+        if ($inodo === false) {
+            return null;
+        }
+        foreach (@file('/proc/locks') ?: [] as $linha) {
+            if (preg_match('/^\d+: POSIX .* (\d+) [0-9a-f]+:[0-9a-f]+:(\d+) /', $linha, $m) && (int) $m[2] === $inodo) {
+                return self::processo((int) $m[1]);
+            }
+        }
+        return null;
+    }
+
+    /** Whether this user could not take it even if nobody held it. */
+    public static function recusa(): bool
+    {
+        clearstatcache(true, self::ARQUIVO);
+        return is_link(self::ARQUIVO)
+            || (file_exists(self::ARQUIVO) && (!is_file(self::ARQUIVO) || !is_writable(self::ARQUIVO)));
+    }
+
+    private static function processo(int $pid): string
+    {
+        $nome = trim((string) @file_get_contents("/proc/$pid/comm"));
+        $uid = @fileowner("/proc/$pid");
+        $usuario = $uid === false ? '' : self::usuario($uid);
+        $detalhes = implode(', ', array_filter([$nome, $usuario]));
+        return $detalhes === '' ? "$pid" : "$pid ($detalhes)";
+    }
+
+    /** By /etc/passwd: the module that knows users may not be loaded. */
+    private static function usuario(int $uid): string
+    {
+        $texto = (string) @file_get_contents('/etc/passwd');
+        return preg_match("/^([^:\n]+):[^:\n]*:$uid:/m", $texto, $m) ? $m[1] : "uid $uid";
+    }
+}
