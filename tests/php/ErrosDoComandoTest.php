@@ -100,6 +100,25 @@ final class ErrosDoComandoTest extends TestCase
         self::assertSame([0, '', 1], [$vazio->codigo, $vazio->erros, substr_count($vazio->saida, "\n")]);
     }
 
+    /** Torn and foreign lines within day files stop nobody. */
+    public function testLinhasEstragadas(): void
+    {
+        $estragos = ["lixo\n[x]\nana\nana muitos 1\nana 99999999999999999999 - + 1e9 0x1 0 0 0\n", random_bytes(3000), '', "\0\0"];
+        foreach ($estragos as $estrago) {
+            foreach (['mail_stat', 'compact_mail'] as $tipo) {
+                $arquivo = $this->arvore->caminho($tipo, '2026-03-10');
+                file_put_contents($arquivo, substr(file_get_contents($arquivo), 0, 150) . $estrago);
+            }
+            foreach ([['dias'], ['horas'], ['topo'], ['mensagens', '--todas'], ['exporta', 'usuarios'], ['exporta', 'eventos']] as $c) {
+                foreach (['tabela', 'json'] as $formato) {
+                    $r = Vtmrel::roda([...$c, "--formato=$formato", ...$this->onde]);
+                    self::assertSame([0, ''], [$r->codigo, $r->erros], bin2hex($estrago));
+                    self::assertTrue($formato === 'tabela' || is_array(json_decode($r->saida)));
+                }
+            }
+        }
+    }
+
     /** A full disk is told; a reader that has enough is not. */
     public function testSaida(): void
     {
