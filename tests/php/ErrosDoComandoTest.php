@@ -41,6 +41,7 @@ final class ErrosDoComandoTest extends TestCase
             ['"sobe" não existe', ['sobe']],
             ['Falta dizer: id', ['rastro']],
             ['"mais" está a mais', ['dias', 'mais']],
+            ['"rastro" não toma tantos', ['rastro', 'A1', 'B2']],
             ['Não há exportação "tudo"', ['exporta', 'tudo', ...$this->onde]],
             ['--formato não pode ser "xml"', ['dias', '--formato=xml', ...$this->onde]],
             ['--lingua não pode ser "fr"', ['dias', '--lingua=fr', ...$this->onde]],
