@@ -60,10 +60,11 @@ final class Consolidacao
         Motor::exige();
         putenv('TZ=' . $relay->fuso->getName());
         $mrel = new \vt_mrel();
-        foreach ([[$mrel->setLogDir(...), (string) $relay->logs], [$mrel->setDataDir(...), $relay->dados]] as [$aceita, $dir]) {
-            if (!$aceita($dir)) {
-                throw DadosInacessiveis::recusado($dir);
-            }
+        if (!$mrel->setLogDir((string) $relay->logs)) {
+            throw DadosInacessiveis::recusado((string) $relay->logs);
+        }
+        if (!$mrel->setDataDir($relay->dados)) {
+            throw DadosInacessiveis::recusado($relay->dados);
         }
         $forcada && $mrel->setForceMode();
         $mrel->consolidate((string) $relay->ponto);
@@ -118,7 +119,8 @@ final class Consolidacao
         $arquivos = new Dias($this->relay->dados);
         $vazios = array_filter(
             $dias,
-            fn (string $dia): bool => $dia < $this->hoje && (int) @filesize($arquivos->caminho(Dias::COMPACTO, $dia)) === 0
+            fn (string $dia): bool => $dia < $this->hoje
+                && (int) @filesize($arquivos->caminho(Dias::COMPACTO, $dia)) === 0
         );
         if ($vazios) {
             return NaoConsolidado::diasVazios(array_values($vazios));

@@ -88,7 +88,7 @@ final readonly class Exportacao
                 }
                 $n = [];
                 for ($i = 1; $i < 9; ++$i) {
-                    $n[] = ($c[$i] ?? 0) & 0xFFFFFFFF;  // written signed, counted without a sign
+                    $n[] = (int) ($c[$i] ?? 0) & 0xFFFFFFFF;  // written signed, counted without a sign
                 }
                 yield new ContasDeUsuario(
                     $dia,

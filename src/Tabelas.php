@@ -118,7 +118,9 @@ final class Tabelas
     /** @param iterable<Totais> $linhas */
     public static function totais(string $relay, iterable $linhas): Tabela
     {
-        return new Tabela('totais', self::cada($linhas, static fn (Totais $l): array => [$relay, ...self::totaisDe($l)]));
+        return new Tabela('totais', self::cada($linhas, static fn (Totais $l): array => [
+            $relay, ...self::totaisDe($l),
+        ]));
     }
 
     /** @param iterable<ContasDeUsuario> $linhas */

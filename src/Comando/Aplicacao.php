@@ -62,7 +62,8 @@ final class Aplicacao extends Application
         getenv('COLUMNS') !== false || putenv('COLUMNS=80');
         getenv('LINES') !== false || putenv('LINES=24');
         set_error_handler(static function (int $nivel, string $texto, string $arquivo, int $linha): bool {
-            return (error_reporting() & $nivel) === 0 ? false : throw new \ErrorException($texto, 0, $nivel, $arquivo, $linha);
+            return (error_reporting() & $nivel) === 0
+                ? false : throw new \ErrorException($texto, 0, $nivel, $arquivo, $linha);
         });
         $argumentos = Opcoes::traduz($argumentos);
         $lingua = Lingua::pedida($argumentos);

@@ -34,7 +34,11 @@ final class Consolida extends Comando
     protected function responde(Pedido $pedido, Saida $saida): int
     {
         $relay = $pedido->relay;
-        ($relay->logs ?? '') !== '' || throw UsoErrado::falta('logs', 'diga onde estão os logs.', 'say where the logs are.');
+        ($relay->logs ?? '') !== '' || throw UsoErrado::falta(
+            'logs',
+            'diga onde estão os logs.',
+            'say where the logs are.'
+        );
         ($relay->ponto ?? '') !== '' || throw UsoErrado::falta(
             'ponto',
             'diga em que arquivo fica a última consolidação.',
@@ -55,7 +59,8 @@ final class Consolida extends Comando
     private function roda(Consolidacao $consolidacao, Pedido $pedido, Saida $saida): array
     {
         $erros = tmpfile();
-        $processo = proc_open(self::comando($pedido), [['file', '/dev/null', 'r'], ['file', '/dev/null', 'w'], $erros], $canos);
+        $nada = ['file', '/dev/null', 'r+'];
+        $processo = proc_open(self::comando($pedido), [$nada, $nada, $erros], $canos);
         $barra = stream_isatty(STDERR)
             ? new Progresso($saida->getErrorOutput(), $consolidacao->tamanhos(), $pedido->lingua) : null;
         for ($estado = proc_get_status($processo); $estado['running']; $estado = proc_get_status($processo)) {
@@ -94,10 +99,11 @@ final class Consolida extends Comando
         $rotulos = new Rotulos($pedido->lingua);
         $humano = new Humano($pedido->lingua);
         $dias = array_map($humano->dia(...), $feito->dias);
+        $ponto = $humano->instante($feito->ponto?->format(DATE_ATOM) ?? '');
         return [Quadro::ficha(array_filter([
             $rotulos->coluna('consolidado', 'dias') => implode(', ', $dias) ?: '-',
             $rotulos->coluna('consolidado', 'linhas') => $humano->numero($feito->linhas),
-            $rotulos->coluna('consolidado', 'ponto') => $humano->instante($feito->ponto?->format(DATE_ATOM) ?? '') ?: '-',
+            $rotulos->coluna('consolidado', 'ponto') => $ponto ?: '-',
             $rotulos->coluna('consolidado', 'motivo') => $feito->motivo?->frase($pedido->lingua),
         ], 'is_string'))];
     }

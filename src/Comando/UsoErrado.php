@@ -13,7 +13,8 @@ final class UsoErrado extends Falha
     /** What the console finds wrong before a command is asked. */
     private const DO_CONSOLE = [
         '/^The "(-.*)" option does not exist/s' => [
-            'A opção "%s" não existe: veja as que há com --help.', 'There is no option "%s": see those that are with --help.',
+            'A opção "%s" não existe: veja as que há com --help.',
+            'There is no option "%s": see those that are with --help.',
         ],
         '/^The "(-.*)" option requires a value/s' => [
             'A opção "%s" pede um valor: escreva-o depois dela.', 'The option "%s" needs a value: write it behind it.',
@@ -32,8 +33,13 @@ final class UsoErrado extends Falha
         '/^Not enough arguments \(missing: "(.*)"\)/s' => [
             'Falta dizer: %s; veja como com --help.', 'Not said: %s; see how with --help.',
         ],
-        '/^(?:Too many arguments|No arguments expected).*?(?:got|expected arguments?.*got|command, got) "(.*)"\.?$/s' => [
-            '"%s" está a mais: veja o que o comando toma com --help.', '"%s" is too much: see what the command takes with --help.',
+        '/^Too many arguments to "(.*?)" command/s' => [
+            'O comando "%s" não toma tantos argumentos: veja quais com --help.',
+            'The command "%s" takes fewer arguments: see which with --help.',
+        ],
+        '/^No arguments expected for .* command, got "(.*)"\.?$/s' => [
+            '"%s" está a mais: veja o que o comando toma com --help.',
+            '"%s" is too much: see what the command takes with --help.',
         ],
     ];
 
@@ -46,7 +52,10 @@ final class UsoErrado extends Falha
             }
         }
         $dito = self::cita($e->getMessage());
-        return new self("Não entendi ($dito): veja como se usa com --help.", "Not understood ($dito): see the use with --help.");
+        return new self(
+            "Não entendi ($dito): veja como se usa com --help.",
+            "Not understood ($dito): see the use with --help."
+        );
     }
 
     /** @param list<string> $possiveis */
@@ -65,7 +74,10 @@ final class UsoErrado extends Falha
     {
         $q = self::cita($que);
         $lista = implode(', ', $possiveis);
-        return new self("Não há exportação \"$q\": escolha uma de $lista.", "There is no export \"$q\": choose one of $lista.");
+        return new self(
+            "Não há exportação \"$q\": escolha uma de $lista.",
+            "There is no export \"$q\": choose one of $lista."
+        );
     }
 
     public static function numero(string $opcao, string $valor): self

@@ -61,8 +61,8 @@ final class NaoConsolidado extends Falha
     public static function travaAlheia(string $arquivo): self
     {
         return new self(
-            "A trava $arquivo não serve a este usuário: consolide sempre com o mesmo, ou remova-a como root se ninguém a usa.",
-            "The lock $arquivo is not for this user: consolidate always as the same one, or remove it as root if nobody uses it."
+            "A trava $arquivo é de outro usuário: consolide sempre com o mesmo, ou remova-a como root se não se usa.",
+            "The lock $arquivo is another user's: consolidate always as the same one, or remove it as root if unused."
         );
     }
 
@@ -86,7 +86,10 @@ final class NaoConsolidado extends Falha
     public static function motor(string $erros): self
     {
         $e = self::cita($erros);
-        return new self("O motor não conseguiu ($e): corrija e rode de novo.", "The engine could not ($e): mend that and run again.");
+        return new self(
+            "O motor não conseguiu ($e): corrija e rode de novo.",
+            "The engine could not ($e): mend that and run again."
+        );
     }
 
     public static function futuro(string $ponto): self
@@ -102,15 +105,15 @@ final class NaoConsolidado extends Falha
     {
         $d = implode(', ', $dias);
         return new self(
-            "Nenhum log tem linhas de $d, escrito vazio: se houve correio, ponha o log de volta, recue o ponto e rode de novo.",
-            "No log has lines of $d, written empty: if there was mail, put the log back, set the point back and run again."
+            "Nenhum log tem linhas de $d, escrito vazio: se houve correio, devolva o log, recue o ponto e rode de novo.",
+            "No log has lines of $d, written empty: if there was mail, put the log and the point back and run again."
         );
     }
 
     public static function naoTerminou(string $dia): self
     {
         return new self(
-            "O dia $dia não está completo, pois o log ainda não tem nenhuma linha de hoje: rode de novo quando tiver.",
+            "O dia $dia não está completo, pois o log ainda não tem linha de hoje: rode de novo quando tiver.",
             "The day $dia is not complete, since the log has no line of today yet: run again when it has."
         );
     }

@@ -52,6 +52,9 @@ final readonly class Ficha
     private function frases(string $texto, string $recuo): string
     {
         $frases = array_filter(explode("\n", $texto), static fn (string $f): bool => trim($f) !== '');
-        return implode('', array_map(static fn (string $f): string => $recuo . Visivel::texto(rtrim($f)) . "\n", $frases));
+        return implode('', array_map(
+            static fn (string $f): string => $recuo . Visivel::texto(rtrim($f)) . "\n",
+            $frases
+        ));
     }
 }

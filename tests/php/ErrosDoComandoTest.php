@@ -41,6 +41,7 @@ final class ErrosDoComandoTest extends TestCase
             ['"sobe" não existe', ['sobe']],
             ['Falta dizer: id', ['rastro']],
             ['"mais" está a mais', ['dias', 'mais']],
+            ['"rastro" não toma tantos', ['rastro', 'A1', 'B2']],
             ['Não há exportação "tudo"', ['exporta', 'tudo', ...$this->onde]],
             ['--formato não pode ser "xml"', ['dias', '--formato=xml', ...$this->onde]],
             ['--lingua não pode ser "fr"', ['dias', '--lingua=fr', ...$this->onde]],
@@ -98,6 +99,25 @@ final class ErrosDoComandoTest extends TestCase
         // Days without files are no error: the head alone.
         $vazio = Vtmrel::roda(['dias', "--dados=$dados", '--de=2025-01-01']);
         self::assertSame([0, '', 1], [$vazio->codigo, $vazio->erros, substr_count($vazio->saida, "\n")]);
+    }
+
+    /** Torn and foreign lines within day files stop nobody. */
+    public function testLinhasEstragadas(): void
+    {
+        $estragos = ["lixo\n[x]\nana\nana muitos 1\nana 99999999999999999999 - + 1e9 0x1 0 0 0\n", random_bytes(3000), '', "\0\0"];
+        foreach ($estragos as $estrago) {
+            foreach (['mail_stat', 'compact_mail'] as $tipo) {
+                $arquivo = $this->arvore->caminho($tipo, '2026-03-10');
+                file_put_contents($arquivo, substr(file_get_contents($arquivo), 0, 150) . $estrago);
+            }
+            foreach ([['dias'], ['horas'], ['topo'], ['mensagens', '--todas'], ['exporta', 'usuarios'], ['exporta', 'eventos']] as $c) {
+                foreach (['tabela', 'json'] as $formato) {
+                    $r = Vtmrel::roda([...$c, "--formato=$formato", ...$this->onde]);
+                    self::assertSame([0, ''], [$r->codigo, $r->erros], bin2hex($estrago));
+                    self::assertTrue($formato === 'tabela' || is_array(json_decode($r->saida)));
+                }
+            }
+        }
     }
 
     /** A full disk is told; a reader that has enough is not. */
