@@ -1,160 +1,93 @@
-// Value files and tags: what was read, written and read again; the reader's progress; escapes.
-#include <cstring>
+// Value files and tags: what was read, written and read again; the reader's progress.
+#include <gtest/gtest.h>
 
 #include "borland/XmlValueStore.h"
-#include "fuzz/apoio.h"
+#include "fuzz/alvo.h"
 #include "misc/xmlhelper.h"
+#include "tests/unit/apoio/arvore.h"
 
 namespace {
 
-const Arvore& arvore() {
-    static const Arvore a;
-    return a;
-}
-
-// A string's bytes.
 std::string bytes(const VeltoString& s) {
     return {s.c_str(), static_cast<std::size_t>(s.Length())};
 }
 
+VeltoString texto(const std::string& s) {
+    VeltoString v;
+    if (!s.empty()) v.loadPChar(s.data(), static_cast<int>(s.size()));
+    return v;
+}
+
 // The entries as text; NULs end texts in the file, so they do here.
-std::vector<std::string> entradas(const XmlValueStore& v) {
-    std::vector<std::string> e;
+std::string entradas(const XmlValueStore& v) {
+    std::string e;
     for (int i = 0; i < v.storeIdx; ++i) {
         const XmlRegValue& x = *v.store[i];
-        e.push_back(
-            std::string(x.name.c_str()) + "=" +
-            (x.vt == vtInt ? std::to_string(x.valInt) : "\"" + std::string(x.valString.c_str())));
+        e += x.name.c_str();
+        e += x.vt == vtInt ? "=" + std::to_string(x.valInt)
+                           : "=\"" + std::string(x.valString.c_str());
+        e += '\n';
     }
     return e;
 }
 
-bool tem_nul(const XmlValueStore& v) {
-    for (int i = 0; i < v.storeIdx; ++i)
-        if (bytes(v.store[i]->name).find('\0') != std::string::npos ||
-            bytes(v.store[i]->valString).find('\0') != std::string::npos)
-            return true;
-    return false;
-}
-
-void confere_volta(XmlValueStore& v) {
-    if (tem_nul(v)) return;
-    const std::string path = arvore().path("volta.xml");
-    exige(v.SaveToFile(path.c_str()), "the file is written");
-    XmlValueStore outra;
-    exige(outra.LoadFromFile(path.c_str()), "what was written can be read");
-    exige(entradas(outra) == entradas(v), "entries come back as they were");
-}
-
-void confere_arquivo(const std::string& texto) {
-    const std::string path = arvore().grava("Values.xml", texto);
-    XmlValueStore v;
+void confere_arquivo(const std::string& conteudo) {
+    static const ArvoreTemporaria arvore;
+    const std::string path = arvore.write("Values.xml", conteudo);
+    XmlValueStore v, outra;
     const bool lido = v.LoadFromFile(path.c_str());
-    const auto antes = entradas(v);
-    exige(v.LoadFromFile(path.c_str()) == lido, "the same file, the same answer");
-    exige(entradas(v) == antes, "a second reading changes nothing");
-    for (int i = 0; i < v.storeIdx; ++i)
-        exige(v.findName(v.store[i]->name) == i, "names are there once");
-    confere_volta(v);
+    const std::string antes = entradas(v);
+    EXPECT_EQ(v.LoadFromFile(path.c_str()), lido);
+    EXPECT_EQ(entradas(v), antes) << "a second reading changes nothing";
+    for (int i = 0; i < v.storeIdx; ++i) EXPECT_EQ(v.findName(v.store[i]->name), i);
+    if (conteudo.find('\0') != std::string::npos) return;
+    EXPECT_TRUE(v.SaveToFile(path.c_str()));
+    EXPECT_TRUE(outra.LoadFromFile(path.c_str()));
+    EXPECT_EQ(entradas(outra), antes);
 }
 
-// The characters of an escaped text, one by one.
-std::string sem_escapes(const std::string& s) {
-    static const std::pair<std::string, char> entidades[] = {
-        {"&quot;", '"'}, {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}};
-    std::string t;
-    for (std::size_t i = 0; i < s.size();) {
-        char c = s[i];
-        std::size_t n = 1;
-        for (const auto& [nome, letra] : entidades) {
-            std::string aqui = s.substr(i, nome.size());
-            for (char& a : aqui)
-                if (a >= 'A' && a <= 'Z') a = static_cast<char>(a + 32);
-            if (aqui != nome) continue;
-            c = letra;
-            n = nome.size();
-        }
-        t += c;
-        i += n;
-    }
-    return t;
-}
-
-void confere_escapes(const std::string& texto) {
-    VeltoString s;
-    if (!texto.empty()) s.loadPChar(texto.data(), static_cast<int>(texto.size()));
-    VeltoString escapado(s);
+// Escaped, a text comes back, as data and as an attribute.
+void confere_escapes(const std::string& conteudo) {
+    VeltoString escapado = texto(conteudo), lido;
     escapeVtXmlString(escapado);
-    exige(bytes(s) == texto, "a copy is not escaped with it");
-    const std::string e = bytes(escapado);
-    exige(e.find_first_of("<>\"") == std::string::npos, "nothing is left to escape");
-    exige(sem_escapes(e) == texto, "the escaped text");
-    escapado += "<";
-    int pos = 0;
-    VeltoString lido;
-    exige(getVtXmlDataFromString(escapado, pos, lido), "text up to a tag");
-    exige(pos == static_cast<int>(e.size()) && bytes(lido) == texto, "the text read back");
-
-    // As an attribute: between quotes all comes back too, but nothing is read behind its end.
     VeltoString tag("<a b=\"");
     tag.append(escapado);
-    tag.SetLength(tag.Length() - 1);
     tag += "\">";
-    pos = 0;
+    escapado += "<";
+    int pos = 0;
+    EXPECT_TRUE(getVtXmlDataFromString(escapado, pos, lido));
+    EXPECT_EQ(pos, escapado.Length() - 1);
+    EXPECT_EQ(bytes(lido), conteudo);
     VtXmlTag lida;
-    exige(getVtXmlTagFromString(tag, pos, &lida) && pos == tag.Length(), "a tag is read whole");
-    exige(lida.atributos() == 1 && bytes(lida.valor(0)) == texto, "the attribute's value");
+    EXPECT_TRUE(getVtXmlTagFromString(tag, pos = 0, &lida) && pos == tag.Length());
+    EXPECT_TRUE(lida.atributos() == 1 && bytes(lida.valor(0)) == conteudo);
 }
 
 // Tags and texts in turn through the whole of it.
-void confere_avanco(const std::string& texto) {
-    VeltoString s;
-    if (!texto.empty()) s.loadPChar(texto.data(), static_cast<int>(texto.size()));
+void confere_avanco(const std::string& conteudo) {
+    VeltoString s = texto(conteudo);
     VtXmlTag tag;
-    tag.maximo = texto.empty() ? 0 : texto[0] & 3;
-    int pos = 0;
-    for (;;) {
-        const int antes = pos;
+    tag.maximo = conteudo.empty() ? 0 : conteudo[0] & 3;
+    VeltoString dado;
+    int pos = 0, antes = -1;
+    for (bool ha = true; ha && pos > antes; antes = pos) {
         const bool inteiro = getVtXmlTagFromString(s, pos, &tag);
-        exige(pos >= antes && pos <= s.Length(), "the position moves on, not beyond the end");
-        exige(tag.atributos() <= tag.maximo, "no more attributes than wanted");
+        EXPECT_TRUE(pos >= antes && pos <= s.Length());
+        EXPECT_LE(tag.atributos(), tag.maximo);
         for (int i = 0; i < tag.atributos(); ++i) tag.valor(i);
-        if (inteiro) exige(texto[static_cast<std::size_t>(pos) - 1] == '>', "a tag ends with '>'");
-        const int de = pos;
-        VeltoString dado;
-        const bool ha = getVtXmlDataFromString(s, pos, dado);
-        const auto inicio = static_cast<std::size_t>(de);
-        const std::size_t menor = std::min(texto.find('<', inicio), texto.size());
-        exige(ha == (menor < texto.size()), "text that another tag ends");
-        exige(pos == static_cast<int>(menor), "the position of the next tag");
-        exige(bytes(dado) == sem_escapes(texto.substr(inicio, menor - inicio)), "the text");
-        if (!ha || (!inteiro && pos == antes)) return;
+        EXPECT_TRUE(!inteiro || conteudo[static_cast<std::size_t>(pos) - 1] == '>');
+        const std::size_t menor = conteudo.find('<', static_cast<std::size_t>(pos));
+        ha = getVtXmlDataFromString(s, pos, dado);
+        EXPECT_EQ(ha, menor != conteudo.npos);
+        EXPECT_EQ(static_cast<std::size_t>(pos), std::min(menor, conteudo.size()));
     }
-}
-
-// Entries made of the parts of the text, and written.
-void confere_entradas(Entrada e) {
-    XmlValueStore v;
-    while (!e.acabou() && v.storeIdx < 20) {
-        const unsigned op = e.byte();
-        const VeltoString nome = e.parte().c_str();
-        if (op % 4 == 0)
-            v.WriteInteger(nome, static_cast<int>(op) - 100);
-        else if (op % 4 == 1)
-            v.Delete(nome);
-        else
-            v.WriteString(nome, e.parte().c_str());
-    }
-    confere_volta(v);
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* dados, std::size_t n) {
-    const std::string texto(reinterpret_cast<const char*>(dados), n);
-    confere_arquivo(texto);
-    confere_escapes(texto);
-    confere_avanco(texto);
-    confere_entradas(Entrada(dados, n));
-    return 0;
+void confere(std::string_view entrada) {
+    const std::string conteudo(entrada);
+    confere_arquivo(conteudo);
+    confere_escapes(conteudo);
+    confere_avanco(conteudo);
 }

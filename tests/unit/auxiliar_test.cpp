@@ -4,13 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "common/Evento.h"
 #include "common/LogMailFileParser.h"
 #include "misc/bytes.h"
+#include "misc/finais.h"
 #include "misc/palavras.h"
 
 namespace {
@@ -121,12 +124,59 @@ TEST(Auxiliar, marcasEPalavrasComoUmaAUma) {
             });
             ASSERT_EQ(lidos, quer);
         }
+        if (n >= 64) {
+            ASSERT_EQ(finais(texto.get()), finais_um_a_um(texto.get()));
+        }
+        const std::size_t m = sorte() % (n + 1);
+        if (n >= 32) {
+            ASSERT_EQ(primeiro_branco(texto.get(), m), primeiro_branco_um_a_um(texto.get(), m));
+        }
+        if (n > 0) {
+            const std::string este(texto.get(), n);
+            std::string outro = este;
+            ASSERT_TRUE(mesmos_bytes(este.data(), outro.data(), n));
+            outro[sorte() % n] ^= 1;
+            ASSERT_FALSE(mesmos_bytes(este.data(), outro.data(), n));
+        }
+        if (m >= 16 && vez % 8 < 2) {
+            const std::size_t nul = sorte() % n;
+            texto[nul] = '\0';
+            ASSERT_EQ(tem_nul(texto.get(), m), nul < m);
+        }
         const std::string linha = texto.get();
         char* t[50] = {};
         const int max = static_cast<int>(sorte() % 50);
         const int lidas = getTokens(texto.get(), t, max);
         ASSERT_EQ(Palavras(t, t + lidas), separa_devagar(linha, static_cast<std::size_t>(max)))
             << linha;
+    }
+}
+
+// A line taken apart with its length known, against the splitter that looks for its end: words up
+// to the first NUL, of 299 bytes at most, ten of them.
+TEST(Auxiliar, palavrasDoEventoComoGetTokens) {
+    std::mt19937 sorte(13);
+    for (int vez = 0; vez < 20000; ++vez) {
+        std::string linha = "Sun Mar 15 10:20:30 2009: 07";
+        for (unsigned n = sorte() % 14; n > 0; --n)
+            linha += " " + std::string(sorte() % (sorte() % 20 ? 14 : 200), "aMO"[n % 3]);
+        for (unsigned n = sorte() % 3; n > 0; --n)
+            linha[sorte() % linha.size()] = std::string(" \t\r\n\x01\x80", 7)[sorte() % 7];
+        linha += std::vector<std::string>{"", "\n", "\r\n", " \n", "\n"}[sorte() % 5];
+        std::string lida = linha.substr(0, 299).c_str();
+        char* t[Evento::palavras_lidas + 1] = {};
+        const int n = lida.size() > 26 ? getTokens(&lida[26], t, Evento::palavras_lidas + 1) : 0;
+        const Palavras quer(t, t + std::min(n, Evento::palavras_lidas));
+        const std::size_t tamanho = linha.size();
+        linha.append(Evento::folga, 'z');
+        Evento e;
+        e.separa(linha.data(), tamanho);
+        Palavras palavras;
+        for (int i = 0; i < Evento::palavras_lidas && e.palavra(i).data(); ++i) {
+            palavras.emplace_back(e.palavra(i));
+            ASSERT_EQ(std::strlen(e.palavra(i).data()), palavras.back().size());
+        }
+        ASSERT_EQ(palavras, quer) << linha;
     }
 }
 

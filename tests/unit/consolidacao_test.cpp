@@ -123,18 +123,20 @@ TEST(Consolidacao, pontoSemRegistrosDaUmaMensagemVazia) {
     EXPECT_EQ(p.Lista_msg.first(), nullptr);
 }
 
-// Words that are longer than the reader's fields go on as those of the next record.
+// Words that are longer than the reader's fields go on as those of the next record; a flag is set
+// by an S alone.
 TEST(Consolidacao, palavrasLongasNoPonto) {
     Rele r;
     r.arvore.write("last", "1 Sun Mar 15 00:00:00 2009\n\r\n" + std::string(60, 'a') +
-                               " 5 N N N N 1 2 ana\r\nb 7 N N N N 1 2 " + std::string(600, 's'));
+                               " 5 X S X S 1 2 ana\r\nb 7 S X S X 1 2 " + std::string(600, 's'));
     LogMailFileParser p;
     EXPECT_EQ(p.getLastConsolid(r.arvore.path("last").c_str()), hora("2009-03-15 00:00:00"));
     std::string lidas;
     for (const Msg* m = p.Lista_msg.last(); m; m = m->prev)
-        lidas += m->id + (" " + std::to_string(m->size)) + ";";
-    const std::string s(23, 's');
-    EXPECT_EQ(lidas, std::string(23, 'a') + " 0;aaaaaaaaaaa 5;b 7;" + s + " 7;" + s + " 7;");
+        lidas += m->id + (" " + std::to_string(m->size)) + " " + (m->virus ? "V" : "") +
+                 (m->spam ? "S" : "") + (m->att_blocked ? "B" : "") + (m->int_user ? "I;" : ";");
+    const std::string s = std::string(23, 's') + " 7 VB;";
+    EXPECT_EQ(lidas, std::string(23, 'a') + " 0 ;aaaaaaaaaaa 5 SI;b 7 VB;" + s + s);
     p.consolidate(nullptr);
 }
 

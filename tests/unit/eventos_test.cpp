@@ -82,13 +82,19 @@ TEST(Eventos, linhasMalFeitas) {
             "b\n");                                           // NUL ends the line, without its LF
     r.bruto(h + "\n");                                        // nothing at column 35
     r.bruto(h + ": 07 MAILQ OK Msg B para " + longo + "\n");  // words end at 299 bytes
+    const std::string nul(1, '\0');
+    r.bruto(h + ": 07 CRON x" + nul + "y\n");                  // NUL at column 35
+    r.bruto(h + ": 07 MAILQ OK Msg D para ru" + nul + "i\n");  // NUL ends the word too
+    r.bruto(h + ": 07 MAILQ OK Msg D para r\tu\x01i\n");       // other controls belong to it
+    r.bruto(h + ": 07 MAILQ OK Msg D para \n");                // a blank at the end begins none
     r.bruto(h + ": 07 MAILSMTP XUTRO " + enorme +
             "\n");  // over 2046 bytes: goes on as another line
     r.mensagem(dia + " 11:00:00", "C");
     r.consolida(amanha);
     EXPECT_EQ(r.compacto(dia),
               t + " 1 4 A\n" + t + " 1 4 \r\n" + t + " 0 viso\r\n" + t + " 0 b" +  //
-                  t + " 0 \n" + t + " 1 2 B " + longo.substr(0, 299 - 49) + "\n" + t + " 2 " +
+                  t + " 0 \n" + t + " 1 2 B " + longo.substr(0, 299 - 49) + "\n" + t + " 0 \n" + t +
+                  " 1 2 D ru\n" + t + " 1 2 D r\tu\x01i\n" + t + " 2 " +
                   ("MAILSMTP XUTRO " + enorme).substr(8, 2046 - 37));
     EXPECT_NE(r.traco().find("Falha no PARSER, linha = \"" + h + ": 07 CRON aviso\r\n\""),
               std::string::npos);

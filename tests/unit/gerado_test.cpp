@@ -1,7 +1,12 @@
 // Generated traffic through whole consolidations: what must not change the result.
 #include <gtest/gtest.h>
 
+#include <random>
+#include <sstream>
+#include <vector>
+
 #include "demo/gerador.h"
+#include "tests/unit/apoio/incomum.h"
 #include "tests/unit/apoio/rele.h"
 
 namespace {
@@ -86,6 +91,36 @@ TEST(Gerado, cortesDoLogNaoMudamNada) {
         EXPECT_EQ(cortado.estatistica(d), inteiro.estatistica(d));
     }
     EXPECT_EQ(cortado.ultimo(), inteiro.ultimo());
+}
+
+// Lines as no dispatcher should write them: words missing, cut and damaged, ends of all kinds.
+TEST(Gerado, logsCorrompidos) {
+    std::istringstream tabela(
+        "MAILQ SUBMIT Msg # de INTERNO remetente ana@x com 70 bytes|MAILQ OK Msg # para rui@y.test|"
+        "MAILQ SUBMIT Msg # de SMTPCONNEXT remetente com 9 bytes|MAILSMTP OK Msg # para rui@y.test|"
+        "MAILSMTP DELIVER Msg #|MAILSMTP END Msg #|MAILSMTP ERROR_CONNECT Msg # em a y.test|CRON|"
+        "MAILSMTP ERROR_FINAL Msg # 550 nao existe|MAILSMTP RETRY_DEST Msg # para x|"
+        "ANTIVIRUS VIRUS Msg #|SPAMCATCHER TAGGED Msg #|POPSRV READ usr ana 3");
+    std::vector<std::string> eventos;
+    for (std::string e; std::getline(tabela, e, '|');) eventos.push_back(e);
+    const std::string maus(" \t\r\n\0\xE1", 6);
+    std::mt19937 sorte(5);
+    for (int vez = 0; vez < 60 && !HasFailure(); ++vez) {
+        std::string log;
+        for (int i = 0; i < 150; ++i) {
+            std::string l = eventos[sorte() % eventos.size()];
+            if (const std::size_t id = l.find('#'); id < l.size())
+                l.replace(id, 1, sorte() % 20 ? 1 : 40, static_cast<char>('A' + sorte() % 4));
+            l.insert(0, "Sun Mar 15 10:20:30 2009: 07 ");
+            l[9] = static_cast<char>('5' + i / 60);
+            if (sorte() % 4 == 0) l[27 + sorte() % (l.size() - 27)] = maus[sorte() % maus.size()];
+            if (sorte() % 12 == 0) l.insert(l.size() - 2, 1, maus[sorte() % maus.size()]);
+            if (sorte() % 12 == 0) l.resize(sorte() % l.size());
+            if (sorte() % 60 == 0) l.append(3000, 'x');
+            log += l + (sorte() % 9 ? "\n" : "\r\n");
+        }
+        confere_log("", log);
+    }
 }
 
 }  // namespace

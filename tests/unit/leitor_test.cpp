@@ -12,37 +12,41 @@
 
 namespace {
 
+// Line by line and by batches, whatever is asked of the system at a time. Many lines are so short
+// that several end within 64 bytes.
 TEST(Leitor, leComoFgets) {
     ArvoreTemporaria arvore;
     std::mt19937 sorte(3);
     std::string texto;
     for (int i = 0; i < 400; ++i) {
-        texto.append(sorte() % (i % 10 == 0 ? 9000 : 120), static_cast<char>('a' + i % 26));
+        const unsigned ate = i % 10 == 0 ? 9000 : i % 2 ? 15 : 120;
+        texto.append(sorte() % ate, static_cast<char>('a' + i % 26));
         if (i % 50 == 0) texto += '\0';
         texto += '\n';
     }
     texto += "sem fim";
     arvore.write("f", texto);
-    for (std::size_t leitura :
+    constexpr std::size_t lote = 80;
+    for (const std::size_t leitura :
          {std::size_t{1}, std::size_t{7}, std::size_t{4096}, LeitorLinhas::bloco})
-        for (std::size_t limite : {std::size_t{10}, std::size_t{2046}}) {
-            const Stream a = abre_leitura(arvore.path("f").c_str());
-            const Stream b = abre_leitura(arvore.path("f").c_str());
-            LeitorLinhas leitor;
-            leitor.abre(fileno(a.get()), leitura);
-            std::string lido;
-            std::vector<char> linha(limite + 1);
-            for (int n = 0;; ++n) {
-                const char* minha;
-                const std::size_t tamanho = leitor.proxima(&minha, limite);
-                const bool ha = std::fgets(linha.data(), static_cast<int>(limite) + 1, b.get());
-                ASSERT_EQ(tamanho != 0, ha) << n;
-                if (!ha) break;
-                lido.append(minha, tamanho);
-                ASSERT_EQ(lido.size(), static_cast<std::size_t>(std::ftell(b.get()))) << n;
+        for (const std::size_t limite : {std::size_t{10}, std::size_t{2046}})
+            for (const std::size_t max : {std::size_t{1}, std::size_t{5}, lote}) {
+                const Stream a = abre_leitura(arvore.path("f").c_str());
+                const Stream b = abre_leitura(arvore.path("f").c_str());
+                LeitorLinhas leitor;
+                leitor.abre(fileno(a.get()), leitura);
+                LeitorLinhas::Trecho linhas[lote];
+                std::vector<char> linha(limite + 1);
+                std::string lido;
+                for (std::size_t n; (n = leitor.varias(linhas, max, limite)) != 0;)
+                    for (std::size_t i = 0; i < n; ++i) {
+                        lido.append(linhas[i].inicio, linhas[i].tamanho);
+                        ASSERT_TRUE(
+                            std::fgets(linha.data(), static_cast<int>(limite) + 1, b.get()));
+                        ASSERT_EQ(lido.size(), static_cast<std::size_t>(std::ftell(b.get())));
+                    }
+                EXPECT_EQ(lido, texto);
             }
-            EXPECT_EQ(lido, texto);
-        }
 }
 
 TEST(Leitor, diretorioDaErro) {
@@ -74,6 +78,9 @@ TEST(Relogio, stamps) {
         {"Sun Mar 32 10:20:30 2009", 0},
         {"Sun Mar  0 10:20:30 2009", 0},
         {"Sun Mar 15 24:20:30 2009", 0},
+        {"Sun Mar 15 10:20:30 2009", 1237112430},  // from here on the hour is kept
+        {"Sun Mar 15 10:20930 2009", 0},
+        {"Sun Mar 15 10:20:3092009", 0},
         {"Sun Mar 15 10:60:30 2009", 0},
         {"Sun Mar 15 10:20:60 2009", 0},
         {"Sun Mar 15 10:20:30 200", 0},
@@ -106,6 +113,7 @@ TEST(Relogio, guardarAHoraNaoMudaNada) {
             const time_t esperado = direto.do_registro(stamp);
             ASSERT_EQ(guarda.do_registro(stamp), esperado) << tz << " " << stamp;
             ASSERT_EQ(guarda.da_linha(stamp), esperado) << tz << " " << stamp;
+            ASSERT_EQ(guarda.hora_do_dia(t), direto.hora_do_dia(t)) << tz << " " << stamp;
         }
     }
 }

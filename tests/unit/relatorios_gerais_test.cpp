@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "demo/gerador.h"
+#include "tests/unit/apoio/incomum.h"
 #include "tests/unit/apoio/relato.h"
 
 // Of the sanitizers' allocator, when there is one.
@@ -142,49 +143,6 @@ TEST(RelatoriosGerais, intervaloInteiroOuEmDias) {
     EXPECT_EQ(inteiro, relata(um_dia));
 }
 
-// All reports of a range. With `lista` from lists of files made beforehand, `de` not after `ate`.
-std::string tudo(LogMailFileParser& p, long de, long ate, bool lista = false) {
-    LogResult r, u;
-    pede(u, "ana");
-    char ana[] = "ana", id[] = "A";
-    Msg m("0", 0);
-    if (lista) {
-        std::vector<InputFiles> dias(static_cast<std::size_t>((ate - de) / um_dia + 2));
-        std::vector<InputFiles> compactos = dias;
-        p.getFiles(dias.data(), "mail_stat_", de, ate);
-        p.getFiles(compactos.data(), "compact_mail_", de, ate);
-        Usuario u_ana(ana, 24), u_rui("rui", 24);
-        DList<Usuario> remetentes, destinatarios;
-        remetentes.putFirst(&u_ana);
-        destinatarios.putFirst(&u_rui);
-        params q{};
-        q.m_hour = &r.msgs_hour;
-        q.msgs = &r.user_msgs;
-        q.m = &m;
-        InputFiles* d = dias.data();
-        p.parse_consolid_files(d, de, ate, &r.msgs_day, nullptr, nullptr, nullptr);
-        p.parse_consolid_files(d, de, ate, nullptr, &u.msgs_user_day, nullptr, nullptr);
-        p.parse_consolid_files(d, de, ate, nullptr, nullptr, &u.msgs_hour, ana);
-        p.parse_compact_files(compactos.data(), de, ate, MSGS_PER_HOUR, &q);
-        q.remetentes = &remetentes;
-        q.destinatarios = &destinatarios;
-        p.parse_compact_files(compactos.data(), de, ate, USERMSGS, &q);
-        q.msg_id = id;
-        p.parse_compact_files(compactos.data(), de, ate, MSGTRACE, &q);
-        for (const auto& l : {dias, compactos})
-            for (const InputFiles& f : l) delete[] f.file;
-    } else {
-        p.get_msgs_per_day(de, ate, &r.msgs_day, nullptr);
-        p.get_msgs_per_day(de, ate, nullptr, &u.msgs_user_day);
-        p.get_msgs_per_hour_per_user(de, ate, ana, &u.msgs_hour);
-        p.get_msgs_per_hour(de, ate, &r.msgs_hour);
-        p.get_user_msgs("rui", ana, nullptr, 0, 0, de, ate, &r.user_msgs);
-        p.msg_trace(id, de, ate, &m);
-    }
-    return texto(r.msgs_day) + texto(u.msgs_user_day) + texto_horas(r.msgs_hour) +
-           texto_horas(u.msgs_hour) + texto(r.user_msgs) + texto(m);
-}
-
 TEST(RelatoriosGerais, listaDeArquivosOuPasseio) {
     Relato r;
     const std::string dias[] = {"2000-01-01", "2000-02-29", "2099-12-31"};
@@ -232,37 +190,23 @@ TEST(RelatoriosGerais, listaDeArquivosOuPasseio) {
 }
 
 const std::string t10 = "49bcd1a0";  // 15 March 2009, 10:00
-const std::string pedacos[] = {t10 + " 1 1 A INTERNO ana 100\n",
-                               t10 + " 2 2 A rui\n",
-                               t10 + " 2 9 A rui\n",
-                               t10 + " 2 10 A 550 nao\n",
-                               t10 + " 2 5 A rui\n",
-                               t10 + " 2 8 A mx\n",
-                               t10 + " 2 4 A\n",
-                               t10 + " 2 4 B\n",
-                               t10 + " 2 2 AA rui\n",
-                               t10 + " 2 11 A\n",
-                               t10 + " 2 15 A\n",
-                               t10 + " 2 13\n",
-                               "49bcd1a1 2 4 B\n",
-                               t10 + " 2 ",
-                               "[123]\n",
-                               "ana 1 2 3 4 5 6 7 8\n",
-                               "1 2 3 4 5 6 7 8 9 10\n",
-                               " ",
-                               "\n",
-                               "[",
-                               std::string(1, '\0'),
-                               std::string(5000, 'x'),
-                               std::string(2046, ' ') + "\n",
-                               t10 + " 2 10 A " + std::string(1500, 'w') + "\n",
-                               t10 + " 2 2 A " + std::string(300, 'r') + "\n"};
+const std::string pedacos[] = {
+    t10 + " 1 1 A INTERNO ana 100\n", t10 + " 2 2 A rui\n", t10 + " 2 9 A rui\n",
+    t10 + " 2 10 A 550 nao\n", t10 + " 2 5 A rui\n", t10 + " 2 8 A mx\n", t10 + " 2 4 A\n",
+    t10 + " 2 4 B\n", t10 + " 2 2 AA rui\n", t10 + " 2 11 A\n", t10 + " 2 15 A\n", t10 + " 2 13\n",
+    "49bcd1a1 2 4 B\n", t10 + " 2 ", "[123]\n", "ana 1 2 3 4 5 6 7 8\n", "1 2 3 4 5 6 7 8 9 10\n",
+    " ", "\n", "[", std::string(1, '\0'), std::string(5000, 'x'), std::string(2046, ' ') + "\n",
+    t10 + " 2 10 A " + std::string(1500, 'w') + "\n",
+    t10 + " 2 2 A " + std::string(300, 'r') + "\n",
+    // An attempt at no time, a control within a field, the next hour, 128 bytes.
+    "00000000 2 7 A\n", t10 + " 1 1 A INTERNO ana\t1 100\n", "49bcdfb0 1 1 B POP eva@y 7\n",
+    "49bcdfb0 2 15 A\n", "49bcdfb0 2 18 B\n", t10 + " 2 10 A " + std::string(128 - 16, 'v') + "\n"};
 
-// The first `n` pieces in any order, many of them damaged.
-std::string corrompido(std::mt19937& sorte, std::size_t n, unsigned danos) {
+// Pieces in any order, many of them damaged.
+std::string corrompido(std::mt19937& sorte, unsigned danos) {
     std::string s;
     for (unsigned k = sorte() % 60; k; --k) {
-        std::string p = pedacos[sorte() % n];
+        std::string p = pedacos[sorte() % std::size(pedacos)];
         if (sorte() % 100 < danos) p[sorte() % p.size()] = static_cast<char>(sorte());
         if (sorte() % 200 < danos) p.resize(sorte() % p.size());
         s += p;
@@ -270,64 +214,13 @@ std::string corrompido(std::mt19937& sorte, std::size_t n, unsigned danos) {
     return s;
 }
 
-// Day files of any bytes: no harm, and both ways read the same.
+// Day files of any bytes: no harm, and all ways of reading them tell the same.
 TEST(RelatoriosGerais, arquivosCorrompidos) {
     std::mt19937 sorte(7);
-    for (int i = 0; i < 60; ++i) {
-        Relato r;
-        for (const char* dia : {"15", "16"})
-            for (const char* nome : {"compact_mail_", "mail_stat_"})
-                r.arvore.write("DAT/rels_03-09/"s + nome + dia + ".txt",
-                               corrompido(sorte, std::size(pedacos), 30));
-        const long de = hora("2009-03-15 00:00:00"), ate = de + 2 * um_dia - 1;
-        EXPECT_EQ(tudo(r.p, de, ate), tudo(*parser(r.arvore), de, ate, true)) << i;
-    }
-}
-
-// A trace passes over lines that cannot matter: it tells what a look at every line tells.
-TEST(RelatoriosGerais, traceQueOlhaTodasAsLinhas) {
-    std::mt19937 sorte(11);
-    for (int i = 0; i < 150; ++i) {
-        Relato r;
-        // Short ids, and ids of the usual length, without which no line is a usual one.
-        const std::string id(i % 2 ? 1 : 16, 'A');
-        std::string arquivo = corrompido(sorte, 14, 4);
-        for (const char* de : {" A", " B"})
-            for (std::size_t k = 0; (k = arquivo.find(de, k)) != std::string::npos; k += 2)
-                arquivo.insert(k + 1, id.size() - 1, de[1]);
-        r.arvore.write("DAT/rels_03-09/compact_mail_15.txt", arquivo);
-        const long de = hora("2009-03-15 00:00:00"), ate = hora("2009-03-15 10:00:00");
-        Msg m("0", 0);
-        bool iniciado = false;
-        std::istringstream linhas(arquivo);
-        for (std::string l; std::getline(linhas, l);) {
-            if (!iniciado && strhex_to_time(l.c_str()) < de) continue;
-            iniciado = true;
-            l = l.c_str();  // a NUL ends the line
-            int n = 0;
-            const std::unique_ptr<char*[]> w(explode(l.data(), ' ', &n));
-            if (n > 0 && strhex_to_time(w[0]) > ate) break;
-            const int status = n > 2 ? std::atoi(w[2]) : 0;
-            char* const* c = w.get();
-            const std::map<int, ErrorType> erros = {
-                {5, etCONNECT}, {8, etSENDER}, {11, etDATA}, {13, etSIZE}};
-            if (status == 1)
-                r.p.msg_trace_handle_SUBMIT(id.c_str(), strhex_to_time(c[0]), &m, w.get(), n);
-            if (status == 2 && n > 4)
-                r.p.msg_trace_handle_OK(id.c_str(), c[4], strhex_to_time(c[0]), &m, w.get(), n);
-            if (status == 4 && n > 3)
-                r.p.msg_trace_handle_END(id.c_str(), strhex_to_time(c[0]), &m, w.get(), n);
-            if (status == 9 && n > 4)
-                r.p.msg_trace_handle_ERROR_DEST(id.c_str(), c[4], strhex_to_time(c[0]), &m, w.get(),
-                                                n);
-            if (status == 10) r.p.msg_trace_handle_ERROR_FINAL(id.c_str(), 0, &m, w.get(), n);
-            if (status == 15) r.p.msg_trace_handle_VIRUS(id.c_str(), 0, &m, w.get(), n);
-            if (erros.count(status))
-                r.p.msg_trace_handle_ERROR(id.c_str(), strhex_to_time(c[0]), &m, w.get(), n,
-                                           erros.at(status));
-        }
-        EXPECT_EQ(r.trace(id.c_str(), "2009-03-15 00:00:00", "2009-03-15 10:00:00"), texto(m))
-            << arquivo;
+    const auto um = [&] { return corrompido(sorte, sorte() % 40); };
+    for (int i = 0; i < 200 && !testing::Test::HasFailure(); ++i) {
+        const std::string compactos[] = {um(), um()}, estatisticas[] = {um(), um()};
+        confere_dias(compactos, estatisticas);
     }
 }
 

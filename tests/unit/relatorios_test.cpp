@@ -21,8 +21,9 @@ TEST(Relatorios, totaisPorDia) {
         .estatistica(d18, "11 12 1 2 3 4 5 6 7\n8\n")  // the tenth number is on another line
         .estatistica("2009-03-19", "")
         .estatistica("2009-03-20", "11 12 x 2 3 4 5 6 7 8\n")
-        .estatistica("2009-03-21", "4294967297 0 0 0 0 0 0 0 0 1");
-    EXPECT_EQ(r.dias(inicio, "2009-03-21 00:00:00"),
+        .estatistica("2009-03-21", "4294967297 0 0 0 0 0 0 0 0 1")
+        .estatistica("2009-03-22", "11 12 1 2 3 4 5 6 7\0 8\n"s);  // a NUL ends the line
+    EXPECT_EQ(r.dias(inicio, "2009-03-22 00:00:00"),
               "15 00:00:00: 5 7 6 8 2 1 3 4/17 00:00:00: 5 7 4294967290 8 2 1 3 4/"
               "21 00:00:00: 0 0 0 1 0 0 0 0/");
     EXPECT_EQ(r.traco(),
@@ -172,6 +173,10 @@ TEST(Relatorios, linhasQueOReplayVe) {
     // Nearly nothing but blanks: more fields than a line of that length has words.
     r.compacto(d16, "0 1 1 BRANCOS INTERNO ana 1" + std::string(92, ' '));
     EXPECT_EQ(vistas(r, hora(inicio), hora(d17 + " 00:00:00")), "BRANCOS");
+    // Behind a line that does not matter to a trace, and is longer than one may be, stands another.
+    const std::string longo(2047 - 16, 'x');
+    r.compacto(d15, "9 A|@" + h + " 2 2 B " + longo + h + " 2 15 A|@" + h + " 2 2 B " + longo);
+    EXPECT_EQ(r.trace("A", inicio, d17 + " 00:00:00"), "A a 1 15 09:00:00 - IV /");
 }
 
 // --- Hours ------------------------------------------------------------------------------------
@@ -219,6 +224,12 @@ TEST(Relatorios, horasDeVariosDias) {
     r.p.consolidate(r.arvore.path("last").c_str());
     r.p.debugOut = nullptr;
     EXPECT_EQ(r.horas(d16 + " 09:05:00", d16 + " 23:00:00"), "24");
+    // An attempt at no time is refused, also where all lines are of that hour.
+    Relato u;
+    u.compacto(d15, "9 A").compacto(d16, "@00000001 2 4 A|@00000000 2 7 A|@00000000 2 4 A");
+    u.horas(inicio, d16 + " 23:00:00");
+    EXPECT_EQ(u.traco(),
+              "LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
 }
 
 // --- Trace ------------------------------------------------------------------------------------

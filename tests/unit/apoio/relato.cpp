@@ -171,3 +171,45 @@ std::string Relato::trace(const char* id, const std::string& de, const std::stri
     p.msg_trace(id, hora(de), hora(ate), &m);
     return texto(m);
 }
+
+std::string tudo(LogMailFileParser& p, long de, long ate, bool lista) {
+    LogResult r, u;
+    pede(u, "ana");
+    char ana[] = "ana", id[] = "A";
+    Msg m("0", 0);
+    if (lista) {
+        std::vector<InputFiles> dias(static_cast<std::size_t>((ate - de) / 86400 + 2));
+        std::vector<InputFiles> compactos = dias;
+        p.getFiles(dias.data(), "mail_stat_", de, ate);
+        p.getFiles(compactos.data(), "compact_mail_", de, ate);
+        Usuario u_ana(ana, 24), u_rui("rui", 24);
+        DList<Usuario> remetentes, destinatarios;
+        remetentes.putFirst(&u_ana);
+        destinatarios.putFirst(&u_rui);
+        params q{};
+        q.m_hour = &r.msgs_hour;
+        q.msgs = &r.user_msgs;
+        q.m = &m;
+        InputFiles* d = dias.data();
+        p.parse_consolid_files(d, de, ate, &r.msgs_day, nullptr, nullptr, nullptr);
+        p.parse_consolid_files(d, de, ate, nullptr, &u.msgs_user_day, nullptr, nullptr);
+        p.parse_consolid_files(d, de, ate, nullptr, nullptr, &u.msgs_hour, ana);
+        p.parse_compact_files(compactos.data(), de, ate, MSGS_PER_HOUR, &q);
+        q.remetentes = &remetentes;
+        q.destinatarios = &destinatarios;
+        p.parse_compact_files(compactos.data(), de, ate, USERMSGS, &q);
+        q.msg_id = id;
+        p.parse_compact_files(compactos.data(), de, ate, MSGTRACE, &q);
+        for (const auto& l : {dias, compactos})
+            for (const InputFiles& f : l) delete[] f.file;
+    } else {
+        p.get_msgs_per_day(de, ate, &r.msgs_day, nullptr);
+        p.get_msgs_per_day(de, ate, nullptr, &u.msgs_user_day);
+        p.get_msgs_per_hour_per_user(de, ate, ana, &u.msgs_hour);
+        p.get_msgs_per_hour(de, ate, &r.msgs_hour);
+        p.get_user_msgs("rui", ana, nullptr, 0, 0, de, ate, &r.user_msgs);
+        p.msg_trace(id, de, ate, &m);
+    }
+    return texto(r.msgs_day) + texto(u.msgs_user_day) + texto_horas(r.msgs_hour) +
+           texto_horas(u.msgs_hour) + texto(r.user_msgs) + texto(m);
+}

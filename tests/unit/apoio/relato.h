@@ -51,6 +51,10 @@ std::vector<std::pair<std::string, std::string>> casos(const char* tabela);
 // Requests a user at the front of the set's list.
 void pede(LogResult& r, const std::string& usuario);
 
+// All reports of a range, as text. With `lista` from lists of files made beforehand, `de` not after
+// `ate`.
+std::string tudo(LogMailFileParser& p, long de, long ate, bool lista = false);
+
 // Rows, each ended by "/". "15 10:00:00: int ext bytes_int bytes_ext virus spam error att_blocked".
 std::string texto(const DList<MsgsData>& linhas);
 // "<hour>h ..." as above, without the rows that are all 0; the number of rows behind them.
