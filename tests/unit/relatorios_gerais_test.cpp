@@ -178,7 +178,8 @@ TEST(RelatoriosGerais, listaDeArquivosOuPasseio) {
     const std::pair<long, long> vazios[] = {{ate, de}, {LONG_MAX, LONG_MIN}, {0, LONG_MIN}};
     for (const auto& [a, b] : vazios) EXPECT_EQ(tudo(*novo(), a, b), nada) << a;
     // Of a list, an inverted range visits two files below a day, one below two days.
-    const std::pair<long, int> avessos[] = {{1, 2}, {um_dia - 1, 2}, {um_dia, 1}, {2 * um_dia, 0}};
+    const std::pair<long, int> avessos[] = {
+        {1, 2}, {um_dia - 1, 2}, {2 * um_dia - 1, 1}, {2 * um_dia, 0}};
     for (const auto& [atras, abertos] : avessos) {
         char nenhum[] = "/nao/ha";
         InputFiles tres[] = {{nenhum, 0}, {nenhum, 0}, {nullptr, 0}};
