@@ -12,13 +12,13 @@
 #include "common/Evento.h"
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
-#include "common/Tabela.h"
 #include "common/Trabalho.h"
 #include "common/Usuario.h"
 #include "common/auxiliar.h"
 #include "common/diario.h"
 #include "common/relatorio.h"
 #include "misc/escrita.h"
+#include "misc/tabela.h"
 
 class Crivo;
 

@@ -10,8 +10,8 @@
 #include <ctime>
 #include <vector>
 
-#include "common/Tabela.h"
 #include "misc/bytes.h"
+#include "misc/chave.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 #include "misc/palavras.h"
