@@ -17,7 +17,6 @@
 #include "common/auxiliar.h"
 #include "common/diario.h"
 #include "common/relatorio.h"
-#include "misc/escrita.h"
 #include "misc/tabela.h"
 
 class Crivo;
@@ -270,7 +269,7 @@ class LogMailFileParser : public LogFileParser {
     IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
 
     Hora hora_{};  // of the line handled last, its text in T_
-    char T_[16] = {};
+    char T_[8] = {};
     std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
     bool sem_compacto_ = false;                      // the day's compact file could not be created
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "common/LogMailFileParser.h"
+#include "misc/escrita.h"
 #include "misc/ncutils.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "common/LogMailFileParser.h"
+#include "common/compacta.h"
 #include "misc/numero.h"
 
 namespace {
@@ -41,26 +42,16 @@ LogMailFileParser::Hora LogMailFileParser::hora(const char* T) {
     return {convTimeFromLog(osBuf.lbuf), texto(T)};
 }
 
-// Refuses the event when a text is missing; else writes its compact line: time, agent, status, the
-// other texts, a line end unless the last of them brings it. False when refused.
+// Refuses the event when a text is missing; else writes its compact line. False when refused.
 bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status, Hora h,
                                  std::initializer_list<Texto> campos, bool fim) {
     bool falta = !h.hexa.data();
-    std::size_t maior = h.hexa.size() + 2 * Linha::maior_numero + campos.size() + 3;
-    for (const Texto t : campos) {
-        falta |= !t.data();
-        maior += t.size();
-    }
+    for (const Texto t : campos) falta |= !t.data();
     if (falta) {
         traco("%s : Params. inv\xE1lidos.\r\n", metodo);
         return false;
     }
-    if (!compact_logfile) return true;
-    Linha linha(compact_logfile, maior);
-    linha.texto(h.hexa).letra(' ').numero(agente).letra(' ').numero(status);
-    for (const Texto t : campos) linha.letra(' ').texto(t);
-    if (fim) linha.letra('\n');
-    linha.termina();
+    if (compact_logfile) compacta::escreve(compact_logfile, h.hexa, agente, status, campos, fim);
     return true;
 }
 

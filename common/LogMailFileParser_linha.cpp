@@ -1,9 +1,9 @@
 // parser(): one dispatcher line split, classified and handed to its handler.
 #include <array>
-#include <charconv>
 #include <cstring>
 
 #include "common/LogMailFileParser.h"
+#include "common/compacta.h"
 
 namespace {
 
@@ -41,16 +41,8 @@ struct LogMailFileParser::Despacho {
     // The event is not understood: the raw line from a column on is all that is kept of it.
     template <Agent agente, std::size_t coluna>
     static void copia(P& p, const Evento&) {
-        const char* resto = p.resto_da_linha(coluna);
-        const std::size_t n = std::strlen(resto);
-        if (!p.compact_logfile) return;
-        Linha(p.compact_logfile, p.hora_.hexa.size() + Linha::maior_numero + 2 + n)
-            .texto(p.hora_.hexa)
-            .letra(' ')
-            .numero(agente)
-            .letra(' ')
-            .texto({resto, n})
-            .termina();
+        if (p.compact_logfile)
+            compacta::copia(p.compact_logfile, p.hora_.hexa, agente, p.resto_da_linha(coluna));
     }
 
     static void desconhecido(P& p, const Evento& e) {
@@ -162,8 +154,7 @@ void LogMailFileParser::despacha(const Evento& e) {
 
     const time_t t = hora_do_registro();
     if (t != hora_.t || hora_.hexa.empty()) {
-        const char* fim = std::to_chars(T_, std::end(T_), static_cast<std::uint32_t>(t), 16).ptr;
-        hora_ = {t, {T_, fim}};
+        hora_ = {t, compacta::escreve_hora(T_, t)};
     }
     tabela[e.agente()][e.status()](*this, e);
 }

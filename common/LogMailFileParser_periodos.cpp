@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "common/LogMailFileParser.h"
+#include "misc/escrita.h"
 #include "misc/ncutils.h"
 
 void LogMailFileParser::set_sfile_num_periods(unsigned n) {

@@ -1,11 +1,36 @@
-// Reading compact lines fast.
+// The lines of a compact file: writing them, and reading them fast.
 #include "common/compacta.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <limits>
 
-#include "common/auxiliar.h"
+#include "misc/escrita.h"
+
+namespace compacta {
+
+std::string_view escreve_hora(char (&texto)[maior_hora], time_t t) {
+    return {texto, std::to_chars(texto, std::end(texto), static_cast<std::uint32_t>(t), 16).ptr};
+}
+
+void escreve(std::FILE* f, std::string_view hora, Agent agente, Status status,
+             std::initializer_list<std::string_view> campos, bool fim) {
+    std::size_t maior = hora.size() + 2 * Escrita::maior_numero + campos.size() + 3;
+    for (const std::string_view campo : campos) maior += campo.size();
+    Escrita linha(f, maior);
+    linha.texto(hora).letra(' ').numero(agente).letra(' ').numero(status);
+    for (const std::string_view campo : campos) linha.letra(' ').texto(campo);
+    if (fim) linha.letra('\n');
+    linha.termina();
+}
+
+void copia(std::FILE* f, std::string_view hora, Agent agente, std::string_view resto) {
+    Escrita linha(f, hora.size() + Escrita::maior_numero + 2 + resto.size());
+    linha.texto(hora).letra(' ').numero(agente).letra(' ').texto(resto).termina();
+}
+
+}  // namespace compacta
 
 bool LeitorDeCabecas::converte(const char* digitos) {
     std::uint32_t t;

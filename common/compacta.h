@@ -1,20 +1,50 @@
-// Reading compact lines fast: the head of a usual line, and the lines that cannot matter to a
-// trace.
+// The lines of a compact file: writing them, and reading them fast.
+//
+//     69b2e5ad 1 1 69B2E5AD84A29FEC SMTPCONNINT ana@matriz.example 2969
+//     time     | | id               and what else the event tells
+//              | status
+//              agent
 #pragma once
 
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
+#include <string_view>
 #include <vector>
 
+#include "common/auxiliar.h"
 #include "misc/bytes.h"
 #include "misc/chave.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 #include "misc/palavras.h"
+
+// --- Writing. Every line is in the stream when the function returns.
+namespace compacta {
+
+constexpr std::size_t maior_hora = 8;  // bytes of field 0 at most
+
+// Field 0, for lines of the time `t`: its low 32 bits in lower-case hexadecimal. It stands in
+// `texto`.
+std::string_view escreve_hora(char (&texto)[maior_hora], time_t t);
+
+// The line of an event: its time, agent, status and texts, with one blank between; then a line
+// feed, unless the last text brings the line's end (`fim` false).
+void escreve(std::FILE* f, std::string_view hora, Agent agente, Status status,
+             std::initializer_list<std::string_view> campos, bool fim = true);
+
+// The line of an event that was not understood: its time, its agent, and the rest of the log line,
+// which brings the line's end.
+void copia(std::FILE* f, std::string_view hora, Agent agente, std::string_view resto);
+
+}  // namespace compacta
+
+// --- Reading.
 
 // The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
 // agent's digit, one or two digits of status, each followed by one blank. Such a line has at least
