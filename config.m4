@@ -40,6 +40,7 @@ if test "$PHP_VT_MREL" != "no"; then
     common/compacta.cpp
     common/diario.cpp
     common/logresult.cpp
+    common/passada.cpp
     common/relogio.cpp
     common/relutl.cpp
     php/vtmrel.cpp

@@ -19,7 +19,7 @@
 #include "common/relatorio.h"
 #include "misc/tabela.h"
 
-class Crivo;
+struct Campos;
 
 // One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
 // of a day and its files (_periodos), the statistics file (_estatistica), what is carried over
@@ -178,9 +178,6 @@ class LogMailFileParser : public LogFileParser {
   private:
     struct RegraErro;
     struct Despacho;
-    struct Lido;
-    class Horas;
-    class Passada;
     struct Replay;
     struct LeituraEstatistica;
 
@@ -229,25 +226,13 @@ class LogMailFileParser : public LogFileParser {
 
     static constexpr std::size_t max_remetentes = 8192;
 
-    // The fields of a compact line, and field 3 as a key, without text when there is none.
-    struct Campos {
-        char** texto;
-        int n;
-        const Chave& id;
-
-        char* operator[](int i) const { return texto[i]; }
-    };
-    static Chave id_de(char** campos, int n) {
-        return campos && n > 3 ? Chave(campos[3]) : Chave();
-    }
-
     // What the public handlers of the reports do that look for messages by id, where the line's key
     // is known.
-    int user_submit(const params& q, long t, const Campos& c);
-    int user_ok(const params& q, long t, const Campos& c);
-    int user_end(const Campos& c);
-    int user_virus(DList<UserMsgs>* msgs, const Campos& c);
-    int user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo);
+    int user_submit(const params& q, const Campos& c);
+    int user_ok(const params& q, const Campos& c);
+    int user_end(const params& q, const Campos& c);
+    int user_virus(const params& q, const Campos& c);
+    int user_erro(const params& q, const Campos& c, ErrorType tipo);
     int hora_submit(MsgsData* hora, const Campos& c);
     int hora_end(MsgsData* hora, const Campos& c);
     int hora_erro(MsgsData* hora, const Campos& c);

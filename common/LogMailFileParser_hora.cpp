@@ -1,6 +1,6 @@
 // Messages by hour of the day: from compact lines for all users, from statistics files for one.
 #include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/compacta.h"
 #include "misc/numero.h"
 
 int LogMailFileParser::get_msgs_per_hour(long start, long end, DList<MsgsData>* m_hour) {
@@ -93,7 +93,7 @@ int LogMailFileParser::hora_spam(MsgsData* hora, const Campos& c) {
 // --- The public handlers.
 
 int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** campos, int n) {
-    return hora_submit(hora, {campos, n, id_de(campos, n)});
+    return hora_submit(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id) {
     if (t != 0 && hora && id) return 1;
@@ -104,14 +104,14 @@ int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, cha
     return 1;
 }
 int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
-    return hora_end(hora, {campos, n, id_de(campos, n)});
+    return hora_end(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_ERROR(long, MsgsData* hora, char** campos, int n) {
-    return hora_erro(hora, {campos, n, id_de(campos, n)});
+    return hora_erro(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** campos, int n) {
-    return hora_virus(hora, {campos, n, id_de(campos, n)});
+    return hora_virus(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
-    return hora_spam(hora, {campos, n, id_de(campos, n)});
+    return hora_spam(hora, campos_de(campos, n));
 }

@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/compacta.h"
 #include "misc/numero.h"
 
 namespace {
@@ -44,15 +44,20 @@ bool cabe(std::uint32_t tamanho, unsigned min_kb, unsigned max_kb) {
            (max_kb == 0 || tamanho <= std::uint64_t{max_kb} * 1024);
 }
 
+params pedido(DList<UserMsgs>* msgs) {
+    params p{};
+    p.msgs = msgs;
+    return p;
+}
+
 params pedido(DList<Usuario>* remetentes, DList<Usuario>* destinatarios, unsigned min_kb,
               unsigned max_kb, const char* msg_id, DList<UserMsgs>* msgs) {
-    params p{};
+    params p = pedido(msgs);
     p.remetentes = remetentes;
     p.destinatarios = destinatarios;
     p.min_kb = min_kb;
     p.max_kb = max_kb;
     p.msg_id = const_cast<char*>(msg_id);
-    p.msgs = msgs;
     return p;
 }
 
@@ -120,7 +125,7 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
     return 1;
 }
 
-int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
+int LogMailFileParser::user_submit(const params& q, const Campos& c) {
     if (c.n <= 5) {
         traco("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
         return 0;
@@ -135,7 +140,7 @@ int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
         return 1;
     if (!cabe(m->size, q.min_kb, q.max_kb) || (q.msg_id && !e_o_pedido)) return 1;
     UserMsgs* u = nova_linha(q.msgs, c.id);
-    u->start_time = t;
+    u->start_time = c.t;
     u->size = m->size;
     u->enviada = 'S';
     u->int_user = m->int_user;
@@ -150,7 +155,7 @@ bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* enderec
     return corta_dominio_local(local) && procurar_usuario(remetentes, local.c_str(), true);
 }
 
-int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
+int LogMailFileParser::user_ok(const params& q, const Campos& c) {
     if (c.n <= 4) {
         traco("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
         return 0;
@@ -167,7 +172,7 @@ int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
     UserMsgs* u = linha_de(q.msgs, c.id);
     if (!u) u = nova_linha(q.msgs, c.id);
     if (m->sendername()) define_remetente(u, m->sendername());
-    u->start_time = t;
+    u->start_time = c.t;
     u->last_time = u->end_time = 0;
     u->size = m->size;
     u->error = m->error;
@@ -178,7 +183,7 @@ int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_end(const Campos& c) {
+int LogMailFileParser::user_end(const params&, const Campos& c) {
     if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
         return 0;
@@ -191,19 +196,19 @@ int LogMailFileParser::user_end(const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_virus(DList<UserMsgs>* msgs, const Campos& c) {
+int LogMailFileParser::user_virus(const params& q, const Campos& c) {
     if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
         return 0;
     }
     trabalhos_.acha_ou_novo(c.id)->virus = true;
-    if (UserMsgs* u = linha_de(msgs, c.id)) u->virus = true;
+    if (UserMsgs* u = linha_de(q.msgs, c.id)) u->virus = true;
     return 1;
 }
 
 // Nobody reads the pending errors and the refused recipients of a working record, so only what
 // shows is kept: the flags, and the row's text.
-int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo) {
+int LogMailFileParser::user_erro(const params& q, const Campos& c, ErrorType tipo) {
     if (c.n <= 3) {
         traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
         return 0;
@@ -211,7 +216,7 @@ int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorTy
     Trabalho* m = trabalhos_.acha_ou_novo(c.id);
     if (tipo == etHELO && c.n < 5) m->error = true;
     if (tipo == etSENDER) m->fatal_error = true;
-    UserMsgs* u = linha_de(msgs, c.id);
+    UserMsgs* u = linha_de(q.msgs, c.id);
     if (!u) return 1;
     const bool detalhado = c.n > 4;
     switch (tipo) {
@@ -249,22 +254,22 @@ int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
                                                DList<Usuario>* destinatarios, unsigned min_kb,
                                                unsigned max_kb, const char* msg_id, long t,
                                                DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs), t,
-                       {campos, n, id_de(campos, n)});
+    return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs),
+                       campos_de(campos, n, t));
 }
 int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
                                            unsigned max_kb, const char* msg_id, long t,
                                            DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs), t,
-                   {campos, n, id_de(campos, n)});
+    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs),
+                   campos_de(campos, n, t));
 }
-int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
-    return user_end({campos, n, id_de(campos, n)});
+int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>* msgs, char** campos, int n) {
+    return user_end(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_virus(msgs, {campos, n, id_de(campos, n)});
+    return user_virus(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
                                               ErrorType tipo) {
-    return user_erro(msgs, {campos, n, id_de(campos, n)}, tipo);
+    return user_erro(pedido(msgs), campos_de(campos, n), tipo);
 }
