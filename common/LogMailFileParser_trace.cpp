@@ -29,6 +29,32 @@ void acrescenta(Msg* m, long t, const std::string& frase) {
     m->str_error = std::string(m->str_error) + data + frase;
 }
 
+// What an error adds to the message's text, if so much room is left in it: the sentence and its
+// margin. The margins differ, and one is too small for the date in front: then the text is cut.
+// Pages have always shown it so.
+struct Frase {
+    ErrorType tipo;
+    const char* antes;
+    const char* depois = "";
+    bool com_detalhe = false;  // for lines with a field 4, which is told between the two
+    std::ptrdiff_t margem = 0;
+};
+constexpr std::ptrdiff_t sempre = -std::ptrdiff_t{TextoErro::capacidade};  // whatever room is left
+
+// The first one that fits the line.
+constexpr Frase frases[] = {
+    {.tipo = etDATA,
+     .antes = "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n",
+     .margem = 50},
+    {.tipo = etSIZE, .antes = "A mensagem foi rejeitada (muito grande).\n"},
+    {.tipo = etSENDER,
+     .antes = "Mensagem rejeitada pelo relay ",
+     .depois = " remetente invalido.\n",
+     .com_detalhe = true,
+     .margem = 29},
+    {.tipo = etSENDER, .antes = "Mensagem rejeitada pelo relay.\n", .margem = sempre},
+};
+
 }  // namespace
 
 int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* m) {
@@ -122,41 +148,25 @@ int LogMailFileParser::msg_trace_handle_ERROR(const char* id, long t, Msg* m, ch
                                               ErrorType tipo) {
     // A line without an id applies to whatever message is traced.
     if (id && n > 3 && !e_dela(id, campos)) return 0;
-    const std::size_t sobra = TextoErro::capacidade - std::strlen(m->str_error);
     const char* detalhe = n > 4 ? campos[4] : nullptr;
-    switch (tipo) {
-        case etDATA: {
-            static const std::string frase =
-                "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n";
-            if (frase.size() + 50 < sobra) acrescenta(m, t, frase);
-            m->error = true;
-            break;
-        }
-        case etSIZE: {
-            static const std::string frase = "A mensagem foi rejeitada (muito grande).\n";
-            if (frase.size() < sobra) acrescenta(m, t, frase);
-            m->error = true;
-            break;
-        }
-        case etSENDER:
-            if (!detalhe)
-                acrescenta(m, t, "Mensagem rejeitada pelo relay.\n");
-            else if (std::strlen(detalhe) + 80 < sobra)
-                acrescenta(m, t,
-                           std::string("Mensagem rejeitada pelo relay ") + detalhe +
-                               " remetente invalido.\n");
-            m->error = true;
-            break;
-        case etCONNECT:
-            if (n > 5)
-                m->str_error = std::string("Erro contactando o dom\xEDnio ") + detalhe + ".";
-            else
-                m->str_error = "Erro contactando o dom\xEDnio de destino.";
-            // An error only if it is still pending at an END.
-            m->add_error(etCONNECT, detalhe);
-            break;
-        default:
-            break;
+    if (tipo == etCONNECT) {
+        if (n > 5)
+            m->str_error = std::string("Erro contactando o dom\xEDnio ") + detalhe + ".";
+        else
+            m->str_error = "Erro contactando o dom\xEDnio de destino.";
+        // An error only if it is still pending at an END.
+        m->add_error(etCONNECT, detalhe);
+        return 1;
+    }
+    for (const Frase& f : frases) {
+        if (f.tipo != tipo || (f.com_detalhe && !detalhe)) continue;
+        const std::string frase =
+            f.com_detalhe ? std::string(f.antes) + detalhe + f.depois : f.antes;
+        const auto sobra =
+            static_cast<std::ptrdiff_t>(TextoErro::capacidade - std::strlen(m->str_error));
+        if (std::ssize(frase) + f.margem < sobra) acrescenta(m, t, frase);
+        m->error = true;
+        return 1;
     }
     return 1;
 }
