@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "common/auxiliar.h"
+#include "misc/escopo.h"
 
 LogMailFileParser::LogMailFileParser()
     : compact_logfile(nullptr),
@@ -30,10 +31,7 @@ LogMailFileParser::~LogMailFileParser() {
 }
 
 bool LogMailFileParser::add_domain(char* list) {
-    if (!list) {
-        traco("LogMailFileParser::add_domain: Param. incorreto.\r\n");
-        return false;
-    }
+    if (!list) return recusa("LogMailFileParser::add_domain: Param. incorreto.\r\n");
     const std::unique_ptr<char*[]> nomes(explode(list, ';', nullptr));
     for (char** nome = nomes.get(); nome && *nome; ++nome) {
         Domain* d = new Domain{};
@@ -44,10 +42,7 @@ bool LogMailFileParser::add_domain(char* list) {
 }
 
 bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
-    struct Fim {
-        LogMailFileParser* p;
-        ~Fim() { p->esvazia(); }
-    } fim{this};
+    const AoSair fim([this] { esvazia(); });
     if (sfile_num_periods == 0) set_sfile_num_periods(24);
     return LogFileParser::consolidate(lastConsolidFile);
 }

@@ -116,10 +116,8 @@ void LogMailFileParser::getFiles(InputFiles* files, const char* prefix, time_t s
 
 bool LogMailFileParser::get_msgs_per_day(time_t start, time_t end, DList<MsgsData>* m_day,
                                          DList<MsgsDayUser>* msgs_day_user) {
-    if (start > end) {
-        traco("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
-        return false;
-    }
+    if (start > end)
+        return recusa("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
     return le_estatisticas({data_dir, diario::estatistica, start, end}, m_day, msgs_day_user,
                            nullptr, nullptr);
 }
@@ -128,10 +126,8 @@ bool LogMailFileParser::parse_consolid_files(InputFiles* files, time_t start, ti
                                              DList<MsgsData>* m_day,
                                              DList<MsgsDayUser>* msgs_day_user,
                                              DList<MsgsData>* m_hour, char* user) {
-    if (!files || start > end) {
-        traco("LogMailFileParser::parse_consolid_files : Params. inv\xE1lidos.\r\n");
-        return false;
-    }
+    if (!files || start > end)
+        return recusa("LogMailFileParser::parse_consolid_files : Params. inv\xE1lidos.\r\n");
     return le_estatisticas({files, start, end}, m_day, msgs_day_user, m_hour, user);
 }
 

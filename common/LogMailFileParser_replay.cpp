@@ -3,6 +3,7 @@
 
 #include "common/LogMailFileParser.h"
 #include "common/passada.h"
+#include "misc/escopo.h"
 
 struct LogMailFileParser::Replay {
     using P = LogMailFileParser;
@@ -101,20 +102,15 @@ struct LogMailFileParser::Replay {
 
 int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long end, ReportType type,
                                            params* p) {
-    if (!files || !p) {
-        traco("LogMailFileParser::parse_compact_file : Params. incorretos.\r\n");
-        return 0;
-    }
+    if (!files || !p)
+        return recusa("LogMailFileParser::parse_compact_file : Params. incorretos.\r\n");
     replay({files, start, end}, start, end, type, p);
     return 1;
 }
 
 void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
                                params* par) {
-    struct Fim {
-        Relogio& relogio;
-        ~Fim() { relogio.termina(); }
-    } fim{relogio_};
+    const AoSair fim([this] { relogio_.termina(); });
     relogio_.comeca();
     const auto passada = std::make_unique<Passada>(*this, Replay::acoes(type), trabalhos_, relogio_,
                                                    type, *par, start, end);

@@ -58,10 +58,8 @@ constexpr Frase frases[] = {
 }  // namespace
 
 int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* m) {
-    if (!msg_id || !m || start > end) {
-        traco("LogMailFileParser::msg_trace : Params. inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (!msg_id || !m || start > end)
+        return recusa("LogMailFileParser::msg_trace : Params. inv\xE1lidos.\r\n");
     params p{};
     p.m = m;
     p.msg_id = const_cast<char*>(msg_id);
@@ -71,10 +69,9 @@ int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* 
 
 int LogMailFileParser::msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, char** campos,
                                                int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_SUBMIT: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_SUBMIT: N\xFAmeros de params. incorreto.\r\n");
     if (!e_dela(id, campos)) return 1;
     m->start_time = t;
     toma_id(m, campos[3]);
@@ -86,10 +83,9 @@ int LogMailFileParser::msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, c
 
 int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinatario, long t, Msg* m,
                                            char** campos, int n) {
-    if (n < 5) {
-        traco("LogMailFileParser::msg_trace_handle_OK: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 5)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_OK: N\xFAmeros de params. incorreto.\r\n");
     if (e_dela(id, campos)) {
         if (RCPTO* r = procurar_recipient(&m->recipients, destinatario)) {
             // A recipient who was refused before gets an empty text, not that of a delivery.
@@ -108,11 +104,9 @@ int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinata
 
 int LogMailFileParser::msg_trace_handle_ERROR_DEST(const char* id, const char* destinatario, long t,
                                                    Msg* m, char** campos, int n) {
-    if (n < 5) {
-        traco(
+    if (n < 5)
+        return recusa(
             "LogMailFileParser::msg_trace_handle_ERROR_DEST: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
     if (!e_dela(id, campos)) return 1;
     if (RCPTO* r = m->addRecipient(destinatario)) {
         r->last_time = t;
@@ -125,12 +119,10 @@ int LogMailFileParser::msg_trace_handle_ERROR_DEST(const char* id, const char* d
 
 int LogMailFileParser::msg_trace_handle_ERROR_FINAL(const char* id, long, Msg* m, char** campos,
                                                     int n) {
-    if (n < 4) {
-        traco(
+    if (n < 4)
+        return recusa(
             "LogMailFileParser::msg_trace_handle_ERROR_FINAL: N\xFAmeros de params. "
             "incorreto.\r\n");
-        return 0;
-    }
     if (!e_dela(id, campos)) return 1;
     std::string texto;
     std::size_t letras = 0;
@@ -172,10 +164,9 @@ int LogMailFileParser::msg_trace_handle_ERROR(const char* id, long t, Msg* m, ch
 }
 
 int LogMailFileParser::msg_trace_handle_END(const char* id, long t, Msg* m, char** campos, int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_END: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_END: N\xFAmeros de params. incorreto.\r\n");
     if (e_dela(id, campos)) m->end_time = t;
     // At the END of any message: what is pending by then counts.
     if (m->error || m->fatal_error) return 1;
@@ -185,10 +176,9 @@ int LogMailFileParser::msg_trace_handle_END(const char* id, long t, Msg* m, char
 }
 
 int LogMailFileParser::msg_trace_handle_VIRUS(const char* id, long, Msg* m, char** campos, int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_VIRUS: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_VIRUS: N\xFAmeros de params. incorreto.\r\n");
     if (!e_dela(id, campos)) return 1;
     toma_id(m, campos[3]);
     m->virus = true;

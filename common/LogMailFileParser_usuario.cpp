@@ -6,6 +6,7 @@
 
 #include "common/LogMailFileParser.h"
 #include "common/compacta.h"
+#include "misc/escopo.h"
 #include "misc/numero.h"
 
 namespace {
@@ -107,29 +108,22 @@ UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) 
 int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
                                      const char* msg_id, int min_kb, int max_kb, long start,
                                      long end, DList<UserMsgs>* msgs) {
-    if (!msgs || start > end) {
-        traco("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (!msgs || start > end)
+        return recusa("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
     Filtro de(remetentes), para(destinatarios);
     params p = pedido(de.lista(), para.lista(), static_cast<std::uint32_t>(min_kb),
                       static_cast<std::uint32_t>(max_kb), msg_id, msgs);
 
     IndiceDeLinhas indice(msgs);
-    struct Devolve {
-        IndiceDeLinhas*& indice;
-        ~Devolve() { indice = nullptr; }
-    } devolve{indice_};
-    indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `devolve` takes it back
+    const AoSair fim([this] { indice_ = nullptr; });
+    indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `fim` takes it back
     replay({data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
     return 1;
 }
 
 int LogMailFileParser::user_submit(const params& q, const Campos& c) {
-    if (c.n <= 5) {
-        traco("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (c.n <= 5)
+        return recusa("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.novo(c.id, c[5]);
     if (c.n > 6) m->size = static_cast<std::uint32_t>(decimal32(c[6]));
     m->int_user = getUserType(c[4]) == INTERNO;
@@ -156,10 +150,8 @@ bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* enderec
 }
 
 int LogMailFileParser::user_ok(const params& q, const Campos& c) {
-    if (c.n <= 4) {
-        traco("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (c.n <= 4)
+        return recusa("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
     const bool e_o_pedido = q.msg_id && std::strcmp(q.msg_id, c[3]) == 0;
     if (!e_o_pedido && !(q.destinatarios && procurar_usuario(q.destinatarios, c[4], true)))
         return 1;
@@ -184,10 +176,8 @@ int LogMailFileParser::user_ok(const params& q, const Campos& c) {
 }
 
 int LogMailFileParser::user_end(const params&, const Campos& c) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
     // A message without a fatal error counts as one with an error from here on: a later hour report
@@ -197,10 +187,8 @@ int LogMailFileParser::user_end(const params&, const Campos& c) {
 }
 
 int LogMailFileParser::user_virus(const params& q, const Campos& c) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
     trabalhos_.acha_ou_novo(c.id)->virus = true;
     if (UserMsgs* u = linha_de(q.msgs, c.id)) u->virus = true;
     return 1;
@@ -209,10 +197,8 @@ int LogMailFileParser::user_virus(const params& q, const Campos& c) {
 // Nobody reads the pending errors and the refused recipients of a working record, so only what
 // shows is kept: the flags, and the row's text.
 int LogMailFileParser::user_erro(const params& q, const Campos& c, ErrorType tipo) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
-        return 0;
-    }
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
     Trabalho* m = trabalhos_.acha_ou_novo(c.id);
     if (tipo == etHELO && c.n < 5) m->error = true;
     if (tipo == etSENDER) m->fatal_error = true;

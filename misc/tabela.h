@@ -45,13 +45,13 @@ class Tabela {
 
     // As above, with the hash of its key known.
     void putFirst(T* e, std::uint32_t hash) {
-        reserva();
+        conta_mais_um();
         indexa_primeiro(e, hash);
         lista_.putFirst(e);
     }
 
     void putLast(T* e) {
-        reserva();
+        conta_mais_um();
         indexa_ultimo({e, Chave(chave(*e)).hash});
         lista_.putLast(e);
     }
@@ -167,8 +167,8 @@ class Tabela {
         vagas_[livre] = {};
     }
 
-    // Makes room for one more element: at least a quarter of the places stay free.
-    void reserva() {
+    // Counts one more element, and makes room for it: at least a quarter of the places stay free.
+    void conta_mais_um() {
         if (!vagas_ || (total_ + 1) * 4 > (mascara_ + 1) * 3) cresce();
         ++total_;
     }
