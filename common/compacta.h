@@ -85,6 +85,10 @@ class LeitorDeCabecas {
 
     // Fills in the head of a line whose text is known. False when it is not a usual one. Whether
     // the status has one digit or two is unpredictable, so there are as few branches as possible.
+    //
+    //     0        8 9 10  12 13 14
+    //     69b2e5ad _ 2 _ 4 _  6  9       one digit: a blank at 12, field 3 at 13
+    //     69b2e5ad _ 2 _ 1 8  _  6       two: a digit at 12, a blank at 13, field 3 at 14
     bool le(Linha& l) {
         const char* const p = l.texto;
         if (l.tamanho < menor || !separados(p + 8)) return false;
@@ -102,8 +106,13 @@ class LeitorDeCabecas {
   private:
     static bool digito(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
 
-    // Whether four bytes are a blank, a digit, a blank, a digit: all four in one look. The digits
-    // differ from '0' in the low four bits only, and by less than ten.
+    // Whether four bytes are a blank, a digit, a blank, a digit: all four in one look.
+    //
+    //     bytes                 ' '  '1'  ' '  '5'     ' '  ':'
+    //                           20   31   20   35      20   3a
+    //     v: xor " 0 0"         00   01   00   05      00   0a    a digit differs by less than ten
+    //     v + 00 06 00 06       00   07   00   0b      00   10    ten shows in the high four bits
+    //     either, & FF F0 ...   00   00   00   00      00   10    all 0: as it should be
     static bool separados(const char* p) {
         std::uint32_t v;
         std::memcpy(&v, p, sizeof v);
@@ -121,7 +130,13 @@ class LeitorDeCabecas {
 
 // A text that fields are compared with: eight of its bytes first, all at once, and the rest only
 // where these agree. They are its last eight within `alcance`, since the ids of one hour begin
-// alike.
+// alike. Of a shorter text, all bytes are the last of the eight, and the mask leaves out the
+// others:
+//
+//     ..._69AF5F9E3779B980_...      a field where a line was read; the text has 16 bytes
+//         |desvio 8 ^^^^^^^^
+//     ...:_cia_...                  the text is "cia": desvio -5, the mask holds three bytes
+//     ^^^^^^^^
 class Agulha {
   public:
     // Bytes from the start of a field that are read without knowing where its line ends.
