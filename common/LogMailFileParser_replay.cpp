@@ -1,47 +1,48 @@
 // Replaying compact files: which of a report's handlers takes a line.
 #include <memory>
 
-#include "common/LogMailFileParser.h"
+#include "common/LogMailFileParser_relatos.h"
 #include "common/passada.h"
 #include "misc/escopo.h"
 
-struct LogMailFileParser::Replay {
+struct Relatos::Replay {
     using P = LogMailFileParser;
+    using R = Relatos;
 
     // The trace.
     template <auto handler>
-    static void trace(P& p, const Campos& c, params& par, MsgsData*) {
-        (p.*handler)(par.msg_id, c.t, par.m, c.texto, c.n);
+    static void trace(R& r, const Campos& c, params& par, MsgsData*) {
+        (r.p_.*handler)(par.msg_id, c.t, par.m, c.texto, c.n);
     }
     template <auto handler>
-    static void trace_destinatario(P& p, const Campos& c, params& par, MsgsData*) {
-        if (c.n > 4) (p.*handler)(par.msg_id, c[4], c.t, par.m, c.texto, c.n);
+    static void trace_destinatario(R& r, const Campos& c, params& par, MsgsData*) {
+        if (c.n > 4) (r.p_.*handler)(par.msg_id, c[4], c.t, par.m, c.texto, c.n);
     }
-    static void trace_end(P& p, const Campos& c, params& par, MsgsData* hora) {
-        if (c.n > 3) trace<&P::msg_trace_handle_END>(p, c, par, hora);
+    static void trace_end(R& r, const Campos& c, params& par, MsgsData* hora) {
+        if (c.n > 3) trace<&P::msg_trace_handle_END>(r, c, par, hora);
     }
     template <ErrorType tipo>
-    static void trace_erro(P& p, const Campos& c, params& par, MsgsData*) {
-        p.msg_trace_handle_ERROR(par.msg_id, c.t, par.m, c.texto, c.n, tipo);
+    static void trace_erro(R& r, const Campos& c, params& par, MsgsData*) {
+        r.p_.msg_trace_handle_ERROR(par.msg_id, c.t, par.m, c.texto, c.n, tipo);
     }
 
     // One user's messages.
     template <auto handler>
-    static void user(P& p, const Campos& c, params& par, MsgsData*) {
-        (p.*handler)(par, c);
+    static void user(R& r, const Campos& c, params& par, MsgsData*) {
+        (r.*handler)(par, c);
     }
     template <ErrorType tipo>
-    static void user_erro(P& p, const Campos& c, params& par, MsgsData*) {
-        p.user_erro(par, c, tipo);
+    static void user_erro(R& r, const Campos& c, params& par, MsgsData*) {
+        r.user_erro(par, c, tipo);
     }
 
     // The hours of the day.
     template <auto handler>
-    static void hora(P& p, const Campos& c, params&, MsgsData* hora) {
-        (p.*handler)(hora, c);
+    static void hora(R& r, const Campos& c, params&, MsgsData* hora) {
+        (r.*handler)(hora, c);
     }
-    static void hora_deliver(P& p, const Campos& c, params&, MsgsData* hora) {
-        if (c.n > 3) p.msgs_per_hour_handle_DELIVER(c.t, hora, c[3]);
+    static void hora_deliver(R& r, const Campos& c, params&, MsgsData* hora) {
+        if (c.n > 3) r.p_.msgs_per_hour_handle_DELIVER(c.t, hora, c[3]);
     }
 
     struct Regra {
@@ -53,13 +54,13 @@ struct LogMailFileParser::Replay {
     using Tabela_de_acoes = std::array<Acoes, num_relatorios>;
 
     static constexpr Tabela_de_acoes tabela() {
-        constexpr Acao nada = nullptr, erro_na_hora = hora<&P::hora_erro>;
+        constexpr Acao nada = nullptr, erro_na_hora = hora<&R::hora_erro>;
         constexpr Regra regras[] = {
-            {SUBMIT, trace<&P::msg_trace_handle_SUBMIT>, user<&P::user_submit>,
-             hora<&P::hora_submit>},
+            {SUBMIT, trace<&P::msg_trace_handle_SUBMIT>, user<&R::user_submit>,
+             hora<&R::hora_submit>},
             // An acceptance does not count in its hour, the END does.
-            {OK, trace_destinatario<&P::msg_trace_handle_OK>, user<&P::user_ok>, nada},
-            {END, trace_end, user<&P::user_end>, hora<&P::hora_end>},
+            {OK, trace_destinatario<&P::msg_trace_handle_OK>, user<&R::user_ok>, nada},
+            {END, trace_end, user<&R::user_end>, hora<&R::hora_end>},
             {ERROR_CONNECT, trace_erro<etCONNECT>, user_erro<etCONNECT>, erro_na_hora},
             {ERROR_CONNECTION, nada, nada, erro_na_hora},
             {DELIVER, nada, nada, hora_deliver},
@@ -73,9 +74,9 @@ struct LogMailFileParser::Replay {
             // A refusal for size was never an error of the hour.
             {ERROR_SIZE, trace_erro<etSIZE>, user_erro<etSIZE>, nada},
             {ERROR_DOMAIN, nada, nada, erro_na_hora},
-            {VIRUS, trace<&P::msg_trace_handle_VIRUS>, user<&P::user_virus>, hora<&P::hora_virus>},
+            {VIRUS, trace<&P::msg_trace_handle_VIRUS>, user<&R::user_virus>, hora<&R::hora_virus>},
             {RETRY_DEST, nada, user_erro<etRETRY_DEST>, nada},
-            {SPAM, nada, nada, hora<&P::hora_spam>},
+            {SPAM, nada, nada, hora<&R::hora_spam>},
         };
         Tabela_de_acoes t{};
         bool tomado[Acoes::num_status] = {};
@@ -104,19 +105,18 @@ int LogMailFileParser::parse_compact_files(InputFiles* files, long start, long e
                                            params* p) {
     if (!files || !p)
         return recusa("LogMailFileParser::parse_compact_file : Params. incorretos.\r\n");
-    replay({files, start, end}, start, end, type, p);
+    relatos_->replay({files, start, end}, start, end, type, p);
     return 1;
 }
 
-void LogMailFileParser::replay(diario::Dias dias, long start, long end, ReportType type,
-                               params* par) {
-    const AoSair fim([this] { relogio_.termina(); });
-    relogio_.comeca();
-    const auto passada = std::make_unique<Passada>(*this, Replay::acoes(type), trabalhos_, relogio_,
-                                                   type, *par, start, end);
+void Relatos::replay(diario::Dias dias, long start, long end, ReportType type, params* par) {
+    const AoSair fim([this] { p_.relogio_.termina(); });
+    p_.relogio_.comeca();
+    const auto passada = std::make_unique<Passada>(*this, Replay::acoes(type), trabalhos_,
+                                                   p_.relogio_, type, *par, start, end);
     while (dias.proximo())
         if (const Stream f = dias.abre())
             passada->arquivo(fileno(f.get()));
         else
-            traco("LogMailFileParser::parse_compact_file : Erro ao abrir %s\r\n", dias.path());
+            p_.traco("LogMailFileParser::parse_compact_file : Erro ao abrir %s\r\n", dias.path());
 }

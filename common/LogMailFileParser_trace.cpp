@@ -2,8 +2,7 @@
 #include <cstdarg>
 #include <cstring>
 
-#include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_relatos.h"
 #include "misc/numero.h"
 
 namespace {
@@ -63,7 +62,7 @@ int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* 
     params p{};
     p.m = m;
     p.msg_id = const_cast<char*>(msg_id);
-    replay({data_dir, diario::compacto, start, end}, start, end, MSGTRACE, &p);
+    relatos_->replay({data_dir, diario::compacto, start, end}, start, end, MSGTRACE, &p);
     return 1;
 }
 

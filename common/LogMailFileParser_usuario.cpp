@@ -4,8 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "common/LogMailFileParser.h"
-#include "common/compacta.h"
+#include "common/LogMailFileParser_relatos.h"
 #include "misc/escopo.h"
 #include "misc/numero.h"
 
@@ -76,7 +75,7 @@ void marca_erro(UserMsgs* linha, std::string_view texto) {
 }  // namespace
 
 // The rows of a list by id; of equal ids, the one nearest the head.
-struct LogMailFileParser::IndiceDeLinhas {
+struct Relatos::IndiceDeLinhas {
     const DList<UserMsgs>* lista;
     std::unordered_map<std::string_view, UserMsgs*, HashDeId> linhas;
 
@@ -92,12 +91,12 @@ struct LogMailFileParser::IndiceDeLinhas {
     void poe_na_frente(UserMsgs* u) { linhas[u->msg_id] = u; }
 };
 
-UserMsgs* LogMailFileParser::linha_de(DList<UserMsgs>* msgs, const Chave& id) {
+UserMsgs* Relatos::linha_de(DList<UserMsgs>* msgs, const Chave& id) {
     return indice_ && indice_->lista == msgs ? indice_->procura(id) : procurar_msg(msgs, id.texto);
 }
 
 // A new row at the front of the list.
-UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) {
+UserMsgs* Relatos::nova_linha(DList<UserMsgs>* msgs, const Chave& id) {
     UserMsgs* u = new UserMsgs{};
     std::memcpy(u->msg_id, id.texto, std::min(id.tamanho, sizeof u->msg_id - 1));
     msgs->putFirst(u);
@@ -105,11 +104,8 @@ UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) 
     return u;
 }
 
-int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
-                                     const char* msg_id, int min_kb, int max_kb, long start,
-                                     long end, DList<UserMsgs>* msgs) {
-    if (!msgs || start > end)
-        return recusa("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
+void Relatos::mensagens(const char* destinatarios, const char* remetentes, const char* msg_id,
+                        int min_kb, int max_kb, long start, long end, DList<UserMsgs>* msgs) {
     Filtro de(remetentes), para(destinatarios);
     params p = pedido(de.lista(), para.lista(), static_cast<std::uint32_t>(min_kb),
                       static_cast<std::uint32_t>(max_kb), msg_id, msgs);
@@ -117,11 +113,10 @@ int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* reme
     IndiceDeLinhas indice(msgs);
     const AoSair fim([this] { indice_ = nullptr; });
     indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `fim` takes it back
-    replay({data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
-    return 1;
+    replay({p_.data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
 }
 
-int LogMailFileParser::user_submit(const params& q, const Campos& c) {
+int Relatos::user_submit(const params& q, const Campos& c) {
     if (c.n <= 5)
         return recusa("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.novo(c.id, c[5]);
@@ -143,13 +138,13 @@ int LogMailFileParser::user_submit(const params& q, const Campos& c) {
 }
 
 // The sender is in the list, by his address or, when its domain is local, by the part before it.
-bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* endereco) {
+bool Relatos::remetido(DList<Usuario>* remetentes, const char* endereco) {
     if (procurar_usuario(remetentes, endereco, true)) return true;
     std::string local(endereco);
     return corta_dominio_local(local) && procurar_usuario(remetentes, local.c_str(), true);
 }
 
-int LogMailFileParser::user_ok(const params& q, const Campos& c) {
+int Relatos::user_ok(const params& q, const Campos& c) {
     if (c.n <= 4)
         return recusa("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
     const bool e_o_pedido = q.msg_id && std::strcmp(q.msg_id, c[3]) == 0;
@@ -175,7 +170,7 @@ int LogMailFileParser::user_ok(const params& q, const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_end(const params&, const Campos& c) {
+int Relatos::user_end(const params&, const Campos& c) {
     if (c.n <= 3)
         return recusa("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.acha(c.id);
@@ -186,7 +181,7 @@ int LogMailFileParser::user_end(const params&, const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_virus(const params& q, const Campos& c) {
+int Relatos::user_virus(const params& q, const Campos& c) {
     if (c.n <= 3)
         return recusa("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
     trabalhos_.acha_ou_novo(c.id)->virus = true;
@@ -196,7 +191,7 @@ int LogMailFileParser::user_virus(const params& q, const Campos& c) {
 
 // Nobody reads the pending errors and the refused recipients of a working record, so only what
 // shows is kept: the flags, and the row's text.
-int LogMailFileParser::user_erro(const params& q, const Campos& c, ErrorType tipo) {
+int Relatos::user_erro(const params& q, const Campos& c, ErrorType tipo) {
     if (c.n <= 3)
         return recusa("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
     Trabalho* m = trabalhos_.acha_ou_novo(c.id);
@@ -234,28 +229,37 @@ int LogMailFileParser::user_erro(const params& q, const Campos& c, ErrorType tip
     return 1;
 }
 
-// --- The public handlers.
+// --- The public functions.
+
+int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
+                                     const char* msg_id, int min_kb, int max_kb, long start,
+                                     long end, DList<UserMsgs>* msgs) {
+    if (!msgs || start > end)
+        return recusa("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
+    relatos_->mensagens(destinatarios, remetentes, msg_id, min_kb, max_kb, start, end, msgs);
+    return 1;
+}
 
 int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
                                                DList<Usuario>* destinatarios, unsigned min_kb,
                                                unsigned max_kb, const char* msg_id, long t,
                                                DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs),
-                       campos_de(campos, n, t));
+    return relatos_->user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs),
+                                 campos_de(campos, n, t));
 }
 int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
                                            unsigned max_kb, const char* msg_id, long t,
                                            DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs),
-                   campos_de(campos, n, t));
+    return relatos_->user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs),
+                             campos_de(campos, n, t));
 }
 int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_end(pedido(msgs), campos_de(campos, n));
+    return relatos_->user_end(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_virus(pedido(msgs), campos_de(campos, n));
+    return relatos_->user_virus(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
                                               ErrorType tipo) {
-    return user_erro(pedido(msgs), campos_de(campos, n), tipo);
+    return relatos_->user_erro(pedido(msgs), campos_de(campos, n), tipo);
 }

@@ -4,8 +4,8 @@
 #include "misc/numero.h"
 
 // cppcheck-suppress uninitMemberVar ; kilobytes that are written before they are read
-Passada::Passada(LogMailFileParser& destino, const Acoes& acoes, const Trabalhos& trabalhos,
-                 Relogio& relogio, ReportType type, params& par, long start, long end)
+Passada::Passada(Relatos& destino, const Acoes& acoes, const Trabalhos& trabalhos, Relogio& relogio,
+                 ReportType type, params& par, long start, long end)
     : destino_(destino),
       acoes_(acoes),
       trabalhos_(trabalhos),

@@ -12,11 +12,11 @@
 #include "common/relatorio.h"
 #include "common/relogio.h"
 
-class LogMailFileParser;
+class Relatos;
 
 // What a report does with a line of some status. `hora` is the row of the line's hour in the hour
 // report, null in the others.
-using Acao = void (*)(LogMailFileParser&, const Campos&, params&, MsgsData* hora);
+using Acao = void (*)(Relatos&, const Campos&, params&, MsgsData* hora);
 
 // What it does with the lines of each status.
 struct Acoes {
@@ -75,8 +75,8 @@ class Passada {
   public:
     // All that is referred to must outlive the run. The hour report gets 24 rows at the end of its
     // list.
-    Passada(LogMailFileParser& destino, const Acoes& acoes, const Trabalhos& trabalhos,
-            Relogio& relogio, ReportType type, params& par, long start, long end);
+    Passada(Relatos& destino, const Acoes& acoes, const Trabalhos& trabalhos, Relogio& relogio,
+            ReportType type, params& par, long start, long end);
 
     void arquivo(int fd);
 
@@ -96,7 +96,7 @@ class Passada {
         acao(destino_, c, par_, hora);
     }
 
-    LogMailFileParser& destino_;
+    Relatos& destino_;
     const Acoes& acoes_;
     const Trabalhos& trabalhos_;
     params& par_;

@@ -34,7 +34,7 @@ check_floors() {
             {
                 from = floor($1); to = floor($3)
                 within(folder($1), from); within(folder($3), to)
-                if (class($1) == name($3) || (folder($1) in at && folder($1) == folder($3))) next
+                if (class($1) == class($3) || (folder($1) in at && folder($1) == folder($3))) next
                 if (to >= from) { print $1 " (floor " from ") includes " $3 " (floor " to ")"; bad = 1 }
             }
             END {
