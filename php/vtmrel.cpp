@@ -27,7 +27,7 @@ zend_module_entry vt_mrel_module_entry = {
     nullptr,
     nullptr,
     nullptr,
-    NO_VERSION_YET,
+    VT_MREL_VERSION,
     STANDARD_MODULE_PROPERTIES,
 };
 
