@@ -138,6 +138,7 @@ final readonly class Pedido
             $this->texto('ponto') ?? $base?->ponto,
             $dominios !== null ? Relay::dominios($dominios) : $base->dominios ?? [],
             $fuso !== null ? Fuso::de($fuso) : $base?->fuso,
+            $base?->saude,
         );
     }
 }
