@@ -149,9 +149,21 @@ final readonly class Relatorios
      */
     public function mensagens(Periodo $periodo, Filtro $filtro): \Generator
     {
-        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
-        $anteriores = $this->dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES));
-        return (new Busca($arquivos, array_diff_key($anteriores, $arquivos), $periodo, $filtro))->mensagens();
+        return (new Busca(...[...$this->compactos($periodo), $periodo, $filtro]))->mensagens();
+    }
+
+    /**
+     * The same messages a page at a time, newest first. A page costs what it shows, not what the period holds;
+     * where a search finds little it may pause and be resumed by the next page.
+     *
+     * @param ?string $cursor of the page before, with the same period and filter; null for the first page
+     * @throws EntradaInvalida for a cursor that is none
+     */
+    public function pagina(Periodo $periodo, Filtro $filtro, ?string $cursor = null, int $n = 200): Pagina
+    {
+        $cursor = $cursor === null ? null : Cursor::le($cursor);
+        $folheio = new Folheio(...[...$this->compactos($periodo), $periodo, $filtro]);
+        return $folheio->pagina($cursor, $n);
     }
 
     /**
@@ -196,6 +208,14 @@ final readonly class Relatorios
             $posicoes[] = new Posicao(count($posicoes) + 1, Texto::utf8((string) $nome), $valor, $incertos);
         }
         return $posicoes;
+    }
+
+    /** @return array{array<string, string>, array<string, string>} compact files of the period and of the days before */
+    private function compactos(Periodo $periodo): array
+    {
+        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
+        $anteriores = $this->dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES));
+        return [$arquivos, array_diff_key($anteriores, $arquivos)];
     }
 
     /** @throws NenhumDia */
