@@ -63,15 +63,6 @@ final class ParametroInvalido extends Falha
         );
     }
 
-    public static function cursor(string $texto): self
-    {
-        $t = self::cita($texto);
-        return new self(
-            "\"$t\" não é um lugar desta lista: comece de novo pela primeira página.",
-            "\"$t\" is no place in this list: begin again with the first page."
-        );
-    }
-
     public static function soComDominio(): self
     {
         return new self(

@@ -7,8 +7,9 @@ namespace Vorna\Mrel\Paginas;
 use Vorna\Mrel\Calendario;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Falha\EntradaInvalida;
+use Vorna\Mrel\Filtro;
+use Vorna\Mrel\Nome;
 use Vorna\Mrel\Periodo;
-use Vorna\Mrel\Relay;
 use Vorna\Mrel\Texto;
 
 /**
@@ -17,6 +18,10 @@ use Vorna\Mrel\Texto;
  */
 final class Parametros
 {
+    /** Every one that some page reads. */
+    public const TODOS = ['de', 'ate', 'usuario', 'remetente', 'destinatario', 'id', 'min_kb', 'max_kb', 'hora', 'cursor',
+        'por', 'dominios', 'lingua', 'relay', 'formato'];
+
     /** Longer than any name or id that a day file can hold. */
     private const MAIOR = 1024;
 
@@ -44,6 +49,30 @@ final class Parametros
             !preg_match('//u', $valor) => $this->recusa($nome, EntradaInvalida::texto($valor)),
             default => $valor,
         };
+    }
+
+    /** The name of a user, or a beginning of one with "*" behind it. */
+    public function nome(string $nome): ?string
+    {
+        return $this->verifica($nome, Nome::verifica(...));
+    }
+
+    /** The id of a message. */
+    public function id(string $nome): ?string
+    {
+        return $this->verifica($nome, Filtro::verificaId(...));
+    }
+
+    /** @param \Closure(string): void $como throws for what cannot be */
+    private function verifica(string $nome, \Closure $como): ?string
+    {
+        $texto = $this->texto($nome);
+        try {
+            $texto === null || $como($texto);
+        } catch (EntradaInvalida $e) {
+            return $this->recusa($nome, $e);
+        }
+        return $texto;
     }
 
     public function numero(string $nome): ?int
@@ -79,9 +108,8 @@ final class Parametros
      * @throws \Vorna\Mrel\Falha\NenhumDia
      * @throws \Vorna\Mrel\Falha\SemDiaCompleto
      */
-    public function periodo(Relay $relay, int $padrao, int $maximo): ?Periodo
+    public function periodo(Calendario $calendario, int $padrao, int $maximo): ?Periodo
     {
-        $calendario = new Calendario($relay);
         $pontas = [];
         foreach (['de', 'ate'] as $nome) {
             try {
@@ -99,7 +127,7 @@ final class Parametros
             return $calendario->periodo("ultimos-$padrao");
         }
         try {
-            $periodo = Periodo::de($de->primeiro, $ate->ultimo, $relay->fuso);
+            $periodo = Periodo::de($de->primeiro, $ate->ultimo, $de->fuso);
         } catch (EntradaInvalida $e) {
             return $this->recusa('ate', $e);
         }

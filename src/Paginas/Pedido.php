@@ -24,6 +24,7 @@ final class Pedido
         public readonly Permissao $permissao,
         public readonly Enderecos $enderecos,
         public readonly string $lingua,
+        public readonly \DateTimeImmutable $agora,
     ) {
         $this->relatorios = new Relatorios($relay);
     }
@@ -32,7 +33,11 @@ final class Pedido
     public function periodo(): ?Periodo
     {
         if ($this->periodo === false) {
-            $this->periodo = $this->parametros->periodo($this->relay, $this->pagina::DIAS, $this->pagina::MAXIMO);
+            $this->periodo = $this->parametros->periodo(
+                new Calendario($this->relay, $this->agora),
+                $this->pagina::DIAS,
+                $this->pagina::MAXIMO
+            );
         }
         return $this->periodo;
     }
@@ -65,7 +70,7 @@ final class Pedido
      */
     public function atalhos(): array
     {
-        $calendario = new Calendario($this->relay);
+        $calendario = new Calendario($this->relay, $this->agora);
         $atalhos = [];
         foreach (['ultimos-1', 'ultimos-7', 'ultimos-30', 'este-mes', 'mes-passado'] as $palavra) {
             try {

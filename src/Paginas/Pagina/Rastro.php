@@ -4,8 +4,6 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Paginas\Pagina;
 
-use Vorna\Mrel\Falha\EntradaInvalida;
-use Vorna\Mrel\Filtro;
 use Vorna\Mrel\Linha\Rastro as Historia;
 use Vorna\Mrel\Paginas\Conteudo;
 use Vorna\Mrel\Paginas\Narrativa;
@@ -43,14 +41,7 @@ final class Rastro extends Pagina
 
     private function id(Pedido $pedido): ?string
     {
-        $id = $pedido->parametros->texto('id');
-        if ($id !== null) {
-            try {
-                Filtro::verificaId($id);
-            } catch (EntradaInvalida $e) {
-                $pedido->parametros->recusa('id', $e);
-            }
-        }
+        $id = $pedido->parametros->id('id');
         return $pedido->entendido() ? $id : null;
     }
 

@@ -4,9 +4,7 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Paginas\Pagina;
 
-use Vorna\Mrel\Falha\EntradaInvalida;
 use Vorna\Mrel\Grafias;
-use Vorna\Mrel\Nome;
 use Vorna\Mrel\Paginas\Conteudo;
 use Vorna\Mrel\Paginas\Lacunas;
 use Vorna\Mrel\Paginas\Pagina;
@@ -47,14 +45,7 @@ final class Usuario extends Pagina
     public function tabela(Pedido $pedido): ?Tabela
     {
         $periodo = $pedido->periodo();
-        $usuario = $pedido->parametros->texto('usuario');
-        if ($usuario !== null) {
-            try {
-                Nome::verifica($usuario);
-            } catch (EntradaInvalida $e) {
-                $pedido->parametros->recusa('usuario', $e);
-            }
-        }
+        $usuario = $pedido->parametros->nome('usuario');
         if ($periodo === null || $usuario === null || !$pedido->entendido()) {
             return null;
         }
