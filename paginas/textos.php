@@ -173,6 +173,9 @@ return [
     'resposta.curso' => ['Ainda está a caminho.', 'It is still on its way.'],
     'resposta.curso.frase' => ['Entregue até agora a {entregues}, recusada por {recusados}; o relay continua tentando.', 'Delivered to {entregues} so far, refused by {recusados}; the relay keeps trying.'],
     'resposta.curso.nada' => ['Nenhum destinatário respondeu até agora; o relay continua tentando.', 'No recipient has answered so far; the relay keeps trying.'],
+    'resposta.tenta' => ['Ainda não chegou a todos.', 'It did not arrive everywhere yet.'],
+    'resposta.tenta.frase' => ['Entregue até agora a {entregues}, recusada por {recusados}; houve erro, e o relay continua tentando.', 'Delivered to {entregues} so far, refused by {recusados}; there was an error, and the relay keeps trying.'],
+    'resposta.tenta.nada' => ['Houve erro, e o relay continua tentando.', 'There was an error, and the relay keeps trying.'],
     'resposta.erro' => ['Chegou, mas nem tudo correu bem.', 'It arrived, but not all went well.'],
     'resposta.erro.frase' => ['Entregue a {n} destinatários; houve um erro, contado abaixo.', 'Delivered to {n} recipients; there was an error, told below.'],
     'resposta.erro.frase.1' => ['Entregue a um destinatário; houve um erro, contado abaixo.', 'Delivered to one recipient; there was an error, told below.'],
@@ -191,6 +194,7 @@ return [
     'passo.recusado' => ['Recusada para {nomes}', 'Refused for {nomes}'],
     'passo.virus' => ['Retida: vírus', 'Held back: virus'],
     'passo.encerrada' => ['Saiu da fila', 'Left the queue'],
+    'passo.desistiu' => ['O relay desistiu', 'The relay gave up'],
     'passo.curso' => ['Ainda na fila', 'Still in the queue'],
     'passo.mais' => ['{nomes} e mais {n}', '{nomes} and {n} more'],
 

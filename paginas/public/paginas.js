@@ -53,7 +53,7 @@
       height: Math.min(280, Math.max(180, lugar.clientWidth / 3)),
       tzDate: (s) => uPlot.tzDate(new Date(s * 1000), 'Etc/UTC'),
       axes: [
-        { ...eixo, values: (_, xs) => xs.map((x) => x % 86400 ? '' : curta(x)), space: 60 },
+        { ...eixo, values: (_, xs) => xs.map(curta), space: 60, incrs: [1, 2, 7, 14, 28, 91, 182, 364].map((n) => n * 86400) },
         { ...eixo, values: (_, ys) => ys.map(numero), size: 64 },
       ],
       scales: { y: { range: (_, min, max) => [0, Math.max(1, max * 1.05)] } },

@@ -44,7 +44,7 @@ final class MapaDeCalor
             }
             $linhas[] = [
                 'dia' => (string) $dia,
-                'texto' => $humano->dia((string) $dia),
+                'texto' => $humano->diaCurto((string) $dia),
                 'celulas' => $celulas,
                 'total' => $humano->numero(array_sum($horas)),
             ];

@@ -18,8 +18,10 @@ final readonly class Narrativa
     /** Recipients named in one line of the story; more are counted. */
     private const NOMEADOS = 3;
 
-    /** What is answered to "did it arrive?": sim, parte, nao, virus, curso, saiu, erro. */
+    /** What is answered to "did it arrive?": sim, parte, nao, virus, curso, tenta, saiu, erro. */
     public string $resposta;
+    /** Why it did not arrive, in the words of the other side; "" when that is not the question. */
+    public string $motivo;
     public int $entregues;
     public int $recusados;
     /** When the last recipient accepted it. */
@@ -33,17 +35,20 @@ final readonly class Narrativa
         $this->entregues = count($entregues);
         $this->recusados = count(self::com($rastro, Estado::Recusado));
         $this->entregue = $entregues ? max(array_map(static fn (Destinatario $d) => $d->quando, $entregues)) : null;
+        $erro = $rastro->estado === Estado::ComErro || $this->recusados > 0;
         $this->resposta = match (true) {
             $rastro->estado === Estado::Virus && !$entregues => 'virus',
-            $rastro->estado === Estado::EmCurso => 'curso',
-            $entregues && $this->recusados => 'parte',
+            !$rastro->encerrada && !$rastro->desistiu && !$rastro->virus => $erro ? 'tenta' : 'curso',
+            $entregues && ($this->recusados || $rastro->desistiu) => 'parte',
             $this->recusados > 0 => 'nao',
-            $rastro->estado === Estado::ComErro && $entregues => 'erro',
-            $rastro->estado === Estado::ComErro => 'nao',
+            $erro => $entregues ? 'erro' : 'nao',
             $entregues !== [] => 'sim',
             default => 'saiu',
         };
         $this->passos = $this->passos();
+        $recusa = self::com($rastro, Estado::Recusado)[0] ?? null;
+        $textos = self::linhas($recusa->texto ?? '') ?: $this->texto();
+        $this->motivo = in_array($this->resposta, ['nao', 'tenta', 'parte'], true) ? (string) end($textos) : '';
     }
 
     /**
@@ -96,7 +101,9 @@ final readonly class Narrativa
             ...($r->submetida ? $ponta('submetida', $r->submetida) : []),
             ...$passos,
             ...($r->virus ? $ponta('virus', null) : []),
+            ...($r->desistiu ? $ponta('desistiu', null) : []),
             ...($r->encerrada ? $ponta('encerrada', $r->encerrada) : []),
+            ...(in_array($this->resposta, ['curso', 'tenta'], true) ? $ponta('curso', null) : []),
         ];
     }
 }

@@ -74,6 +74,7 @@ final readonly class Permissao
             $rastro->virus,
             '',  // it may tell of the others
             array_values($seus),
+            $rastro->desistiu,
         );
     }
 }

@@ -15,7 +15,7 @@ final class TabelaHtml
     public readonly string $nome;
     /** @var list<array{nome: string, rotulo: string, numero: bool}> */
     public readonly array $colunas;
-    /** @var list<list<array{texto: string, valor: ?string, endereco: ?string}>> */
+    /** @var list<list<array{texto: string, valor: ?string, classe: ?string, endereco: ?string}>> */
     public readonly array $linhas;
     /** @var list<string> the sum, where there is one */
     public readonly array $total;
@@ -43,6 +43,7 @@ final class TabelaHtml
                 $celulas[] = [
                     'texto' => $texto,
                     'valor' => self::valor($valor, $texto),
+                    'classe' => $coluna === 'estado' && is_string($valor) ? "e-$valor" : null,
                     'endereco' => isset($ligacoes[$coluna]) ? $ligacoes[$coluna]($linha) : null,
                 ];
             }

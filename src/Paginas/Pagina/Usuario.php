@@ -18,6 +18,9 @@ final class Usuario extends Pagina
     public const NOME = 'usuario';
     public const CAMPOS = ['usuario'];
 
+    /** Of this request: its bytes are looked into once. */
+    private ?Grafias $grafias = null;
+
     public function responde(Pedido $pedido): Conteudo
     {
         $tabela = $this->tabela($pedido);
@@ -56,7 +59,7 @@ final class Usuario extends Pagina
 
     private function grafias(Pedido $pedido, string $usuario): Grafias
     {
-        return new Grafias($pedido->relay, $usuario);
+        return $this->grafias ??= new Grafias($pedido->relay, $usuario);
     }
 
     private function visivel(Pedido $pedido, ?string $nome): bool
