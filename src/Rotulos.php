@@ -176,6 +176,22 @@ final readonly class Rotulos
         return ['incerto: pode ter passado de 4 GiB', 'uncertain: it may have passed 4 GiB'][$this->i];
     }
 
+    /** How a day that is not over is marked: "até 14:32". */
+    public function ate(\DateTimeInterface $ate): string
+    {
+        return ['até ', 'until '][$this->i] . $ate->format('H:i');
+    }
+
+    /**
+     * The same as a sentence.
+     *
+     * @param string $dia as people write it
+     */
+    public function naoTerminou(string $dia, \DateTimeInterface $ate): string
+    {
+        return ["$dia ainda não terminou: vale ", "$dia is not over yet: figures are "][$this->i] . "{$this->ate($ate)}.";
+    }
+
     /** @return array<string, array{string, string, string, string}> head pt, head en, definition pt, definition en */
     private static function tabela(string $tabela): array
     {

@@ -24,6 +24,8 @@ final class Quadro implements Formato
     private readonly Rotulos $rotulos;
     private readonly Humano $humano;
     private bool $incertos = false;
+    /** @var array<string, \DateTimeImmutable> */
+    private array $abertos = [];
 
     public function __construct(private readonly string $lingua = 'pt')
     {
@@ -34,6 +36,7 @@ final class Quadro implements Formato
     public function pedacos(Tabela $tabela): \Generator
     {
         $this->incertos = false;
+        $this->abertos = $tabela->abertos;
         $colunas = $tabela->colunas;
         $linhas = [];
         $larguras = $direita = null;
@@ -62,6 +65,9 @@ final class Quadro implements Formato
         yield ($inicio ? $this->cabeca($tabela, $larguras, $direita) : '') . self::texto($linhas, $larguras, $direita);
         if ($this->incertos) {
             yield '* ' . $this->rotulos->incerto() . "\n";
+        }
+        foreach ($tabela->abertos as $dia => $ate) {
+            yield $this->rotulos->naoTerminou($this->humano->dia($dia), $ate) . "\n";
         }
     }
 
@@ -99,11 +105,17 @@ final class Quadro implements Formato
             };
         }
         return match (true) {
-            $coluna === 'dia' => $this->humano->dia($valor),
+            $coluna === 'dia' => $this->dia($valor),
             isset(self::INSTANTES[$coluna]) => $this->humano->instante($valor),
             isset(self::PALAVRAS[$coluna]) => $this->rotulos->valor($valor),
             default => Visivel::texto($valor),
         };
+    }
+
+    private function dia(string $dia): string
+    {
+        $ate = $this->abertos[$dia] ?? null;
+        return $this->humano->dia($dia) . ($ate === null ? '' : " ({$this->rotulos->ate($ate)})");
     }
 
     private function celulas(array $colunas, array $linha): array
