@@ -20,8 +20,6 @@ use Vorna\Mrel\Relay;
 /** What was asked for at the command line, in the library's terms. */
 final readonly class Pedido
 {
-    private const CONFIGURACAO = '/etc/vt-mrel.ini';
-
     public Relay $relay;
     public string $lingua;
     /** One of Opcoes::FORMATOS. */
@@ -37,7 +35,7 @@ final readonly class Pedido
     /** @return list<string> the names that --relay may have */
     public static function relays(?string $config): array
     {
-        return array_map('strval', array_keys(Configuracao::le($config ?? self::configuracao())->relays));
+        return array_map('strval', array_keys(Configuracao::le($config ?? Configuracao::arquivo())->relays));
     }
 
     public function relatorios(): Relatorios
@@ -125,8 +123,8 @@ final readonly class Pedido
         }
         $base = null;
         if ($config !== null || $dados === null) {
-            $arquivo = $config ?? self::configuracao();
-            if ($config === null && $arquivo === self::CONFIGURACAO && !file_exists($arquivo)) {
+            $arquivo = $config ?? Configuracao::arquivo();
+            if ($config === null && !getenv('VT_MREL_CONFIG') && !file_exists($arquivo)) {
                 throw UsoErrado::semDados($arquivo);
             }
             $base = Configuracao::le($arquivo)->relay($nome);
@@ -140,11 +138,7 @@ final readonly class Pedido
             $this->texto('ponto') ?? $base?->ponto,
             $dominios !== null ? Relay::dominios($dominios) : $base->dominios ?? [],
             $fuso !== null ? Fuso::de($fuso) : $base?->fuso,
+            $base?->saude,
         );
-    }
-
-    private static function configuracao(): string
-    {
-        return getenv('VT_MREL_CONFIG') ?: self::CONFIGURACAO;
     }
 }
