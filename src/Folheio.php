@@ -47,7 +47,8 @@ final class Folheio
         int $bloco = 1 << 20,
     ) {
         foreach ($anteriores + $arquivos as $dia => $arquivo) {
-            $blocos = new Blocos($arquivo, $bloco);
+            // The newest day may be today's, which is replaced while it grows.
+            $blocos = new Blocos($arquivo, $bloco, $dia === array_key_last($arquivos));
             for ($n = 0; $n < $blocos->quantos(); ++$n) {
                 $this->blocos[] = [$dia, $blocos, $n];
                 $this->antes += isset($arquivos[$dia]) ? 0 : 1;
@@ -80,7 +81,7 @@ final class Folheio
         return new Pagina($mensagens, $limite->texto(), $this->pausa($i, $limite));
     }
 
-    /** An id has few rows, and one whose submission is not known has no time: all of them at once. */
+    /** An id has few rows, and one whose submission is not known has no time: all rows at once. */
     private function deUmId(?Cursor $cursor, int $n): Pagina
     {
         $linhas = [];
