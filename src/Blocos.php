@@ -8,13 +8,20 @@ namespace Vorna\Mrel;
  * A compact file cut into blocks that can be read in any order. A block holds whole lines, and all lines
  * of one second: rows of the same second are told apart by their ids alone.
  */
-final readonly class Blocos
+final class Blocos
 {
-    private int $bytes;
+    private readonly int $bytes;
+    /** @var ?resource while it is kept open */
+    private $aberto;
 
-    public function __construct(private string $arquivo, private int $tamanho = 1 << 20)
-    {
-        $this->bytes = (int) filesize($arquivo);
+    /** @param bool $fica whether the file stays open: it may be replaced, and its blocks must be of one file */
+    public function __construct(
+        private readonly string $arquivo,
+        private readonly int $tamanho,
+        bool $fica,
+    ) {
+        $this->aberto = $fica ? fopen($arquivo, 'rb') : null;
+        $this->bytes = $fica ? fstat($this->aberto)['size'] : (int) filesize($arquivo);
     }
 
     public function quantos(): int
@@ -25,13 +32,11 @@ final readonly class Blocos
     /** The lines of a block, counted from 0; "" where a run of one second has taken them all. */
     public function texto(int $qual): string
     {
-        $f = fopen($this->arquivo, 'rb');
+        $f = $this->aberto ?? fopen($this->arquivo, 'rb');
         $inicio = $this->limite($f, $qual);
         $fim = $this->limite($f, $qual + 1);
         fseek($f, $inicio);
-        $texto = $fim > $inicio ? (string) stream_get_contents($f, $fim - $inicio) : '';
-        fclose($f);
-        return $texto;
+        return $fim > $inicio ? (string) stream_get_contents($f, $fim - $inicio) : '';
     }
 
     /**

@@ -18,6 +18,8 @@ final class Folheio
 {
     /** A page pauses after so much work, in blocks searched for a text: 0.2 ms each. */
     private const MUITO = 1000;
+    /** So many lines cost a search as much as a block. */
+    private const POR_CUSTO = 10;
     /** Behind every time that a log can hold. */
     private const FIM = 99999999999;
 
@@ -25,6 +27,11 @@ final class Folheio
     private array $blocos = [];
     /** How many of them are of days before the period. */
     private int $antes = 0;
+    /** The block read last, and what doBloco answered for it. */
+    private int $lido = -1;
+    private array $doLido = [];
+    /** Lines that a search was made for. */
+    private int $feitas = 0;
     private readonly Candidatas $candidatas;
     private readonly Recolha $recolha;
 
@@ -33,14 +40,15 @@ final class Folheio
      * @param array<string, string> $anteriores those of the Busca::DIAS_ANTES days before it
      */
     public function __construct(
-        private readonly array $arquivos,
-        private readonly array $anteriores,
+        array $arquivos,
+        array $anteriores,
         private readonly Periodo $periodo,
         private readonly Filtro $filtro,
         int $bloco = 1 << 20,
     ) {
         foreach ($anteriores + $arquivos as $dia => $arquivo) {
-            $blocos = new Blocos($arquivo, $bloco);
+            // The newest day may be today's, which is replaced while it grows.
+            $blocos = new Blocos($arquivo, $bloco, $dia === array_key_last($arquivos));
             for ($n = 0; $n < $blocos->quantos(); ++$n) {
                 $this->blocos[] = [$dia, $blocos, $n];
                 $this->antes += isset($arquivos[$dia]) ? 0 : 1;
@@ -57,8 +65,9 @@ final class Folheio
         }
         [$i, $limite] = $this->lugar($cursor);
         $linhas = [];
-        while ($i >= $this->primeiro() && count($linhas) <= $n && !$this->cansado()) {
-            [$achadas, $i, $limite] = $this->junta($i, $limite, $n + 1 - count($linhas));
+        // Of some messages no line is the row's, or their size does not fit: the more there are, the more at once.
+        for ($quantas = $n + 1; $i >= $this->primeiro() && count($linhas) <= $n && !$this->cansado(); $quantas *= 2) {
+            [$achadas, $i, $limite] = $this->junta($i, $limite, $quantas);
             array_push($linhas, ...$this->linhas($achadas));
         }
         $mensagens = array_column(array_slice($linhas, 0, $n), 0);
@@ -68,15 +77,17 @@ final class Folheio
         if ($i < $this->primeiro()) {
             return new Pagina($mensagens, null, null);
         }
-        $limite ??= new Cursor($this->blocos[$i][0], $this->blocos[$i][2], self::FIM, '');
+        $limite ??= new Cursor(...[...$this->nome($i), self::FIM, '']);
         return new Pagina($mensagens, $limite->texto(), $this->pausa($i, $limite));
     }
 
-    /** An id has few rows, and one whose submission is not known has no time: all of them at once. */
+    /** An id has few rows, and one whose submission is not known has no time: all rows at once. */
     private function deUmId(?Cursor $cursor, int $n): Pagina
     {
         $linhas = [];
-        foreach ((new Busca($this->arquivos, $this->anteriores, $this->periodo, $this->filtro))->mensagens() as $m) {
+        $id = Texto::latin1($this->filtro->id);
+        $textos = $id === null ? [] : $this->recolha->recolhe(array_fill_keys(array_keys($this->blocos), [$id => true]));
+        foreach ($this->busca($textos) as $m) {
             array_unshift($linhas, $m);
         }
         $antes = $cursor?->bloco ?? 0;
@@ -94,16 +105,17 @@ final class Folheio
 
     private function cansado(): bool
     {
-        return $this->candidatas->trabalho + $this->recolha->trabalho > self::MUITO;
+        $buscas = intdiv($this->feitas, self::POR_CUSTO);
+        return $this->candidatas->trabalho + $this->recolha->trabalho + $buscas > self::MUITO;
     }
 
     /** @return array{int, ?Cursor} the block to begin with; a cursor within it */
     private function lugar(?Cursor $cursor): array
     {
         for ($i = count($this->blocos) - 1; $cursor && $i >= 0; --$i) {
-            [$dia, , $numero] = $this->blocos[$i];
-            if ([$dia, $numero] <= [$cursor->dia, $cursor->bloco]) {
-                return [$i, [$dia, $numero] === [$cursor->dia, $cursor->bloco] ? $cursor : null];
+            $mais = $this->nome($i) <=> [$cursor->dia, $cursor->bloco];
+            if ($mais <= 0) {
+                return [$i, $mais === 0 ? $cursor : null];
             }
         }
         return [$i, null];
@@ -118,19 +130,35 @@ final class Folheio
     {
         $achadas = $ids = [];
         for (; $i >= $this->primeiro() && !$this->cansado(); --$i, $limite = null) {
-            [$dia, $arquivo, $numero] = $this->blocos[$i];
-            foreach ($this->candidatas->de($arquivo->texto($numero), $i >= $this->antes) as [$quando, $id]) {
+            foreach ($this->doBloco($i) as [$quando, $id]) {
                 if ($limite?->passou($quando, $id)) {
                     continue;
                 }
                 $achadas[] = [$i, $quando, $id];
                 $ids[$id] = true;
                 if (count($ids) >= $faltam) {
-                    return [$achadas, $i, new Cursor($dia, $numero, $quando, $id)];
+                    return [$achadas, $i, new Cursor(...[...$this->nome($i), $quando, $id])];
                 }
             }
         }
         return [$achadas, $i, null];
+    }
+
+    /** @return list<array{int, string}> times and ids of the lines of a block that may make a row, newest first */
+    private function doBloco(int $i): array
+    {
+        if ($this->lido !== $i) {
+            [, $arquivo, $numero] = $this->blocos[$i];
+            $this->doLido = $this->candidatas->de($arquivo->texto($numero), $i >= $this->antes);
+            $this->lido = $i;
+        }
+        return $this->doLido;
+    }
+
+    /** @return array{string, int} the block's day and number */
+    private function nome(int $i): array
+    {
+        return [$this->blocos[$i][0], $this->blocos[$i][2]];
     }
 
     /**
@@ -141,28 +169,36 @@ final class Folheio
      */
     private function linhas(array $achadas): array
     {
+        $this->feitas += count($achadas);
         $ids = $lugares = [];
         foreach ($achadas as $n => [$i, $quando, $id]) {
             $ids[$i][$id] = true;
             $lugares["$quando $id"] = $n;
         }
-        $textos = $this->recolha->recolhe($ids);
-        $primeiro = $this->periodo->primeiro;
-        $noPeriodo = static fn (string $dia): bool => $dia >= $primeiro;
-        $arquivos = array_filter($textos, $noPeriodo, ARRAY_FILTER_USE_KEY);
-        $busca = new Busca($arquivos, array_diff_key($textos, $arquivos), $this->periodo, $this->filtro,
-            static fn (string $texto): array => [$texto]);
         $linhas = [];
-        foreach ($busca->mensagens() as $m) {
+        foreach ($this->busca($this->recolha->recolhe($ids)) as $m) {
             $quando = (int) $m->quando?->getTimestamp();
             $n = $lugares[$quando . ' ' . Texto::latin1($m->id)] ?? null;
             if ($n !== null) {
                 [$i, , $id] = $achadas[$n];
-                $linhas[$n] = [$m, new Cursor($this->blocos[$i][0], $this->blocos[$i][2], $quando, $id)];
+                $linhas[$n] = [$m, new Cursor(...[...$this->nome($i), $quando, $id])];
             }
         }
         ksort($linhas);
         return array_values($linhas);
+    }
+
+    /**
+     * @param array<string, string> $textos all lines of some messages, by day
+     * @return \Generator<int, Mensagem>
+     */
+    private function busca(array $textos): \Generator
+    {
+        $noPeriodo = fn (string $dia): bool => $dia >= $this->periodo->primeiro;
+        $arquivos = array_filter($textos, $noPeriodo, ARRAY_FILTER_USE_KEY);
+        $anteriores = array_diff_key($textos, $arquivos);
+        $blocos = static fn (string $texto): array => [$texto];
+        return (new Busca($arquivos, $anteriores, $this->periodo, $this->filtro, $blocos))->mensagens();
     }
 
     /** Down to where the search has looked. */
