@@ -35,8 +35,7 @@ final class Quadro implements Formato
 
     public function pedacos(Tabela $tabela): \Generator
     {
-        $this->incertos = false;
-        $this->abertos = $tabela->abertos;
+        $this->comeca($tabela);
         $colunas = $tabela->colunas;
         $linhas = [];
         $larguras = $direita = null;
@@ -121,6 +120,13 @@ final class Quadro implements Formato
     private function celulas(array $colunas, array $linha): array
     {
         return array_map($this->celula(...), $colunas, $linha);
+    }
+
+    /** Cells are those of this table from now on. */
+    public function comeca(Tabela $tabela): void
+    {
+        $this->incertos = false;
+        $this->abertos = $tabela->abertos;
     }
 
     /** Whether a cell was marked as uncertain since the last table began. */

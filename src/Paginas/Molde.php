@@ -64,6 +64,7 @@ final class Molde
             'relay' => $p->relay->nome,
             'relays' => $this->relays,
             'periodo' => $periodo,
+            'abertos' => $periodo === null || $this->pagina === Pagina\Rastro::NOME ? [] : $this->abertos(),
             'atalhos' => $p->atalhos(),
             'campos' => $campos,
             'erros' => array_map(static fn (Falha $e): string => $e->frase($p->lingua), $parametros->erros()),
@@ -72,6 +73,18 @@ final class Molde
                 static fn (string $v): bool => $v !== ''
             ),
         ]);
+    }
+
+    /** @return list<string> a sentence for each day that is not over */
+    private function abertos(): array
+    {
+        $p = $this->pedido;
+        [$rotulos, $humano] = [new Rotulos($p->lingua), new Humano($p->lingua)];
+        $frases = [];
+        foreach ($p->abertos() as $dia => $ate) {
+            $frases[] = $rotulos->naoTerminou($humano->dia($dia), $ate);
+        }
+        return $frases;
     }
 
     private function periodo(): ?\Vorna\Mrel\Periodo

@@ -5,7 +5,7 @@ declare(strict_types=1);
 namespace Vorna\Mrel\Paginas;
 
 use Vorna\Mrel\Calendario;
-use Vorna\Mrel\Falha\NenhumDia;
+use Vorna\Mrel\EmAberto;
 use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Relatorios;
 use Vorna\Mrel\Relay;
@@ -16,6 +16,8 @@ final class Pedido
 {
     public readonly Relatorios $relatorios;
     private Periodo|false|null $periodo = false;
+    /** @var array<string, \DateTimeImmutable> */
+    private array $abertos = [];
 
     public function __construct(
         private readonly Pagina $pagina,
@@ -33,13 +35,31 @@ final class Pedido
     public function periodo(): ?Periodo
     {
         if ($this->periodo === false) {
-            $this->periodo = $this->parametros->periodo(
+            $periodo = $this->parametros->periodo(
                 new Calendario($this->relay, $this->agora),
                 $this->pagina::DIAS,
                 $this->pagina::MAXIMO
             );
+            $this->periodo = $periodo;
+            $this->abertos = $periodo === null ? [] : (new EmAberto($this->relay, $this->agora))->dias($periodo);
         }
         return $this->periodo;
+    }
+
+    /**
+     * The days of the period that are not over, as they were before any figure was read.
+     *
+     * @return array<string, \DateTimeImmutable> until when, by day
+     */
+    public function abertos(): array
+    {
+        return $this->periodo() === null ? [] : $this->abertos;
+    }
+
+    /** The table with its days that are not over marked. */
+    private function marcada(Tabela $tabela): Tabela
+    {
+        return $tabela->comAbertos($tabela->abertos ?: $this->abertos());
     }
 
     /** Whether all that was read of the parameters so far could be understood. */
@@ -60,7 +80,7 @@ final class Pedido
      */
     public function html(Tabela $tabela, array $ligacoes = [], array $sem = []): TabelaHtml
     {
-        return new TabelaHtml($tabela, $this->lingua, $ligacoes, $sem);
+        return new TabelaHtml($this->marcada($tabela), $this->lingua, $ligacoes, $sem);
     }
 
     /**

@@ -29,6 +29,7 @@ final class TabelaHtml
     public function __construct(Tabela $tabela, string $lingua, array $ligacoes = [], array $sem = [])
     {
         $quadro = new Quadro($lingua);
+        $quadro->comeca($tabela);
         $rotulos = new Rotulos($lingua);
         $colunas = array_diff($tabela->colunas, $sem);
         $linhas = $somas = $numeros = [];
@@ -53,7 +54,7 @@ final class TabelaHtml
         $this->nome = $tabela->nome;
         $this->linhas = $linhas;
         $total = $tabela->soma && count($linhas) > 1 ? $quadro->total($tabela->colunas, $somas) : [];
-        $this->total = array_values(array_intersect_key($total, $colunas));
+        $this->total = $total ? ['Total', ...array_slice(array_values(array_intersect_key($total, $colunas)), 1)] : [];
         $this->colunas = array_values(array_map(static fn (string $c, int $i): array => [
             'nome' => $c,
             'rotulo' => $rotulos->coluna($tabela->nome, $c),

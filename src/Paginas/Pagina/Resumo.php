@@ -5,6 +5,7 @@ declare(strict_types=1);
 namespace Vorna\Mrel\Paginas\Pagina;
 
 use Vorna\Mrel\Contador;
+use Vorna\Mrel\EmAberto;
 use Vorna\Mrel\Formato\Humano;
 use Vorna\Mrel\Linha\Totais;
 use Vorna\Mrel\Paginas\Conteudo;
@@ -38,6 +39,7 @@ final class Resumo extends Pagina
         }
         $dia = $periodo->ultimo;
         $mes = Periodo::ultimos(self::GRAFICO, $dia, $periodo->fuso);
+        $abertos = (new EmAberto($pedido->relay, $pedido->agora))->dias($mes);
         $totais = iterator_to_array($pedido->relatorios->totais($mes), false);
         $humano = new Humano($pedido->lingua);
         $doDia = array_values(array_filter($totais, static fn (Totais $t): bool => $t->dia === $dia));
@@ -52,10 +54,13 @@ final class Resumo extends Pagina
             ),
             'contadores' => $doDia ? self::contadores($doDia[0], array_values($antes), $humano) : [],
             'comparados' => count($antes),
-            'tabela' => $pedido->html(Tabelas::dias($totais), [
+            'tabela' => $pedido->html(Tabelas::dias($totais)->comAbertos($abertos), [
                 'dia' => static fn (array $l): string => $pedido->enderecos->de('horas', ['de' => $l[0], 'ate' => $l[0]]),
             ]),
-            'faltam' => Lacunas::em($mes, array_map(static fn (Totais $t): string => $t->dia, $totais)),
+            'faltam' => $totais ? Lacunas::em(
+                Periodo::de($totais[0]->dia, $dia, $periodo->fuso),
+                array_map(static fn (Totais $t): string => $t->dia, $totais)
+            ) : [],
             'remetentes' => self::maiores($pedido, $dia, Contador::Enviadas),
             'destinatarios' => self::maiores($pedido, $dia, Contador::Recebidas),
         ]);
