@@ -150,8 +150,8 @@ final readonly class Rotulos
     /** @return list<string> the tables that have columns */
     public static function tabelas(): array
     {
-        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'topo', 'topo_dominios', 'mensagens', 'rastro',
-            'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
+        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'horas_do_usuario', 'topo', 'topo_dominios', 'mensagens',
+            'rastro', 'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
     }
 
     /**
@@ -189,6 +189,22 @@ final readonly class Rotulos
         return ['incerto: pode ter passado de 4 GiB', 'uncertain: it may have passed 4 GiB'][$this->i];
     }
 
+    /** How a day that is not over is marked: "até 14:32". */
+    public function ate(\DateTimeInterface $ate): string
+    {
+        return ['até ', 'until '][$this->i] . $ate->format('H:i');
+    }
+
+    /**
+     * The same as a sentence.
+     *
+     * @param string $dia as people write it
+     */
+    public function naoTerminou(string $dia, \DateTimeInterface $ate): string
+    {
+        return ["$dia ainda não terminou: vale ", "$dia is not over yet: figures are "][$this->i] . "{$this->ate($ate)}.";
+    }
+
     /** @return array<string, array{string, string, string, string}> head pt, head en, definition pt, definition en */
     private static function tabela(string $tabela): array
     {
@@ -199,6 +215,7 @@ final readonly class Rotulos
             'dias_usuario' => ['usuario' => $c['usuario'], 'dia' => $c['dia']] + self::DE_USUARIO,
             'horas' => self::horas(),
             'horas_usuario' => self::horasDeUsuario(),
+            'horas_do_usuario' => ['hora' => $c['hora']] + self::DE_USUARIO,
             'topo' => self::topo('usuario', $c['usuario']),
             'topo_dominios' => self::topo('dominio', ['Domínio', 'Domain',
                 'O que vem depois de "@"; nomes sem "@" são do domínio local.',
