@@ -9,7 +9,7 @@
 
 #include "misc/ncutils.h"
 
-void LeitorLinhas::abre(int fd, std::size_t leitura) {
+void LeitorLinhas::comeca(int fd, std::size_t leitura) {
     if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco + folga);
     fd_ = fd;
     leitura_ = std::min(leitura, bloco);

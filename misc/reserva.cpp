@@ -48,7 +48,7 @@ void devolve_zerada(void* p, std::size_t n) noexcept {
 }
 
 void* Reserva::toma() {
-    Bloco* b = com_lugar_ ? com_lugar_ : abre();
+    Bloco* b = com_lugar_ ? com_lugar_ : novo_bloco();
     void* lugar = b->livres;
     if (lugar) {
         b->livres = b->livres->proximo;
@@ -73,7 +73,7 @@ void Reserva::devolve(void* lugar) noexcept {
     --blocos_;
 }
 
-Reserva::Bloco* Reserva::abre() {
+Reserva::Bloco* Reserva::novo_bloco() {
     char* b = mapeia(bytes_, bytes_, blocos_ != 0 && bytes_ == bloco);
     ++blocos_;
     Bloco* novo = new (b) Bloco{};
