@@ -165,6 +165,7 @@ bool LogFileParser::readInputFiles() {
             }
             if (!abre_entrada()) continue;
         }
+        // Once a day: a log that is rotated goes on in the next one.
         if (!hasPositioned && !posiciona()) continue;
         hasPositioned = true;
         activity_today = false;

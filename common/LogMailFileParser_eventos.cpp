@@ -156,7 +156,7 @@ int Corrida::smtp_ok(Hora h, const Chave& id, const Chave& destinatario) {
     if (m) {
         const std::size_t arroba = Texto(destinatario).find('@');
         if (arroba != Texto::npos) p_.remover_error(m, destinatario.texto + arroba + 1);
-        p_.remover_error(m, nullptr);
+        p_.remover_error(m, nullptr);  // settles one more DATA error, and nothing else
     } else {
         m = msg_ou_nova(id);
     }

@@ -18,6 +18,14 @@ void LeitorLinhas::comeca(int fd, std::size_t leitura) {
 }
 
 // Reads once more behind what is left, which moves to the front. False at the end.
+//
+//     | handed out | rest |          |  folga  |
+//     0            inicio_ fim_
+//
+//     | rest | what was just read    |  folga  |
+//     inicio_                        fim_
+//
+// What is left is shorter than the longest line piece, so it always has room.
 bool LeitorLinhas::enche() {
     std::memmove(memoria_.get(), memoria_.get() + inicio_, fim_ - inicio_);
     fim_ -= inicio_;

@@ -7,6 +7,12 @@
 #include <new>
 
 // Stands at the start of its block; blocks are aligned to their size, so a place finds its own.
+//
+//     | Bloco | taken | free | taken | free |       ...        |
+//       livres ---------^----------------^  intocado
+//
+// Free places are a chain through themselves; those behind `intocado` were never touched, so the
+// system has given no memory for them yet.
 struct alignas(64) Reserva::Bloco {
     Bloco *antes, *depois;  // in the list of those with a free place
     Livre* livres;          // places given back
