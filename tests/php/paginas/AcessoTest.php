@@ -43,6 +43,9 @@ final class AcessoTest extends TestCase
             '10:01 2 2 DEBPARAAMBOS ana@a.example',
             '10:02 2 2 DEBPARAAMBOS eva@b.example',
             '10:03 2 4 DEBPARAAMBOS',
+            '11:00 1 1 DEFORA SMTPCONNEXT zeca@c.example 100',
+            '11:01 2 2 DEFORA rui@c.example',
+            '11:02 2 4 DEFORA',
         );
         file_put_contents(
             "{$this->arvore->dados}/relays.ini",
@@ -76,7 +79,7 @@ final class AcessoTest extends TestCase
         $relay = $this->arvore->relay('a.example', 'b.example');
         $casos = [
             [['A.example'], ['ana@a.example' => true, 'ana@A.EXAMPLE' => true, 'x@xa.example' => false,
-                'ana@a.example@b.example' => false, '@a.example' => true, 'ana' => false, '' => false]],
+                'ana@a.example@b.example' => false, 'ana@b.example@a.example' => true, '@a.example' => true, 'ana' => false, '' => false]],
             [['a.example', 'b.example'], ['ana' => true, 'ana@c.example' => false]],
             [[], ['ana@a.example' => false, 'ana' => false]],
             [null, ['ana@c.example' => true, '' => true]],
@@ -86,6 +89,7 @@ final class AcessoTest extends TestCase
                 self::assertSame($ve, (new Permissao(new AcessoLista('', $dominios), $relay))->ve($nome), $nome);
             }
         }
+        self::assertFalse((new Permissao(new AcessoLista('', ['a.example']), $this->arvore->relay()))->ve('ana'));
     }
 
     /** A message of other domains answers as one that is not there, however it is asked for. */
@@ -105,6 +109,10 @@ final class AcessoTest extends TestCase
             $ninguem = self::corpo($this->pede("/mensagens?$campo=rux@b.example", ['a.example']));
             self::assertSame($ninguem, str_replace('rui', 'rux', $alheio));
         }
+        // Who sees names without a domain does not see whatever begins like one.
+        $inicio = '/mensagens?formato=csv&remetente=z*&destinatario=rui@c.example';
+        self::assertSame(1, substr_count(self::corpo($this->pede($inicio, ['a.example', 'b.example'])), "\n"));
+        self::assertSame(2, substr_count(self::corpo($this->pede($inicio, null)), "\n"));
         self::assertSame(422, $this->pede('/mensagens?usuario=r*', ['a.example'])->estado);
         self::assertSame(422, $this->pede('/mensagens?max_kb=9', ['a.example'])->estado);
     }
