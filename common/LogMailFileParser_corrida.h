@@ -34,7 +34,7 @@ class Corrida {
         time_t t;
         std::string_view hexa;
     };
-    // For the line in osBuf.lbuf; `T` is its field 0.
+    // For the line in osBuf.lbuf; `T` is its field 0 (_portas.cpp).
     Hora hora(const char* T);
 
     // The events (_eventos.cpp): what the parser's public handlers do, over the words of the line,
