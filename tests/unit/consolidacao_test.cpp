@@ -304,11 +304,11 @@ TEST(Consolidacao, mudancasDeHora) {
 }
 
 TEST(Consolidacao, outroNumeroDePeriodos) {
-    for (const unsigned n : {1u, 12u, 48u}) {
+    for (const unsigned n : {1u, 12u, 24u, 48u}) {
         Rele r;
         r.mensagens({"15 13:40 A", "16 10 B"});
         LogMailFileParser p;
-        p.set_sfile_num_periods(n);
+        p.set_sfile_num_periods(n == 24 ? 0 : n);  // 0: as usual
         EXPECT_EQ(p.last_period, n);
         EXPECT_FALSE(p.setLastPeriod(n));
         r.consolida(p, "16 12");

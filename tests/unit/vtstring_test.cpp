@@ -328,9 +328,11 @@ TEST(VeltoStringList, textosEObjetos) {
     EXPECT_EQ(textos(outra), textos(l) + textos(l));
     EXPECT_EQ(outra.Objects, nullptr);
     l.Clear();
-    EXPECT_EQ(l.Count, 0);
-    EXPECT_EQ(l.AddObject("novo", nullptr), 0);
+    EXPECT_EQ(l.Insert(0, "b") + l.Insert(0, "a") + l.Insert(2, "c"), 3);
+    EXPECT_EQ(textos(l), "a b c ");
+    while (l.Count < 16) l.Add("x");
     EXPECT_EQ(l.Objects[9], objeto);
+    EXPECT_EQ(l.Objects[15], nullptr);
 }
 
 }  // namespace
