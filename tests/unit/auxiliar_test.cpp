@@ -15,6 +15,7 @@
 #include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/palavras.h"
+#include "tests/unit/apoio/um_a_um.h"
 
 namespace {
 
@@ -360,8 +361,10 @@ TEST(Msg, destinatariosELimites) {
     EXPECT_EQ(m.getRecipientByName("eva"), eva);
     EXPECT_FALSE(m.getRecipientByName("Eva") || m.getRecipientByName(nullptr));
     EXPECT_STREQ(m.str_error, "");
-    m.str_error = std::string(2000, 'e');
-    EXPECT_EQ(std::strlen(m.str_error), 1023u);
+    for (const std::size_t n : {1023, 1024, 2000}) {
+        m.str_error = std::string(n, 'e');
+        EXPECT_EQ(std::strlen(m.str_error), 1023u) << n;
+    }
 }
 
 // Of every length, those included that come from elsewhere than the reserves of short texts; the

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <utility>
 
+#include "misc/escrita.h"
 #include "tests/unit/apoio/relato.h"
 
 namespace {

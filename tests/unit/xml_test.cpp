@@ -5,7 +5,7 @@
 #include <string>
 
 #include "borland/XmlValueStore.h"
-#include "misc/xmlhelper.h"
+#include "borland/xmlhelper.h"
 #include "tests/unit/apoio/arvore.h"
 #include "tests/unit/apoio/limite.h"
 
