@@ -20,6 +20,7 @@ return [
     'menu.definicoes' => ['Definições', 'Definitions'],
     'pular' => ['Ir ao conteúdo', 'Skip to the content'],
     'relay' => ['Relay', 'Relay'],
+    'so' => ['Só o correio de {dominios}.', 'Mail of {dominios} only.'],
     'trocar' => ['Trocar', 'Change'],
     'lingua' => ['English', 'Português'],
     'rodape' => ['Dias são locais do relay, de meia-noite a meia-noite.', 'Days are local to the relay, midnight to midnight.'],
@@ -125,6 +126,7 @@ return [
     'horas.tabela' => ['As 24 horas', 'The 24 hours'],
     'horas.mapa' => ['Dia a dia', 'Day by day'],
     'horas.mapa.texto' => ['Mensagens que terminaram sem erro, internas e externas; quanto mais forte a cor, mais mensagens. Cada célula leva às mensagens dessa hora.', 'Messages that ended without an error, local and other; the stronger the colour, the more messages. Each cell leads to the messages of that hour.'],
+    'horas.mapa.dominios' => ['Mensagens enviadas e recebidas; quanto mais forte a cor, mais mensagens.', 'Messages sent and received; the stronger the colour, the more messages.'],
     'horas.mapa.nota' => ['A lista mostra cada mensagem na hora da submissão; a célula a conta na hora em que terminou.', 'The list shows each message in the hour of its submission; the cell counts it in the hour of its end.'],
     'total' => ['Total', 'Total'],
 

@@ -63,6 +63,7 @@ final class Molde
             'pagina' => $this->pagina,
             'relay' => $p->relay->nome,
             'relays' => $this->relays,
+            'so' => $p->permissao->dominios(),
             'periodo' => $periodo,
             'abertos' => $periodo === null || $this->pagina === Pagina\Rastro::NOME ? [] : $this->abertos(),
             'atalhos' => $p->atalhos(),
