@@ -10,6 +10,7 @@ use Twig\TwigFunction;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Formato\Humano;
 use Vorna\Mrel\Rotulos;
+use Vorna\Mrel\Visivel;
 
 /** Puts what a page has found into its template. Templates escape every text; nothing here does. */
 final class Molde
@@ -67,7 +68,7 @@ final class Molde
             'periodo' => $periodo,
             'abertos' => $periodo === null || $this->pagina === Pagina\Rastro::NOME ? [] : $this->abertos(),
             'atalhos' => $p->atalhos(),
-            'campos' => $campos,
+            'campos' => array_map(Visivel::texto(...), $campos),
             'erros' => array_map(static fn (Falha $e): string => $e->frase($p->lingua), $parametros->erros()),
             'esta' => array_filter(
                 array_diff_key($campos, array_flip(['de', 'ate', 'relay', 'lingua', 'formato'])),
@@ -123,7 +124,7 @@ final class Molde
                 'rotulo' => $rotulos->coluna(...),
                 'valor' => $rotulos->valor(...),
                 'linhas' => Narrativa::linhas(...),
-                'visivel' => \Vorna\Mrel\Visivel::texto(...),
+                'visivel' => Visivel::texto(...),
             ] as $nome => $faz
         ) {
             $twig->addFunction(new TwigFunction($nome, $faz));

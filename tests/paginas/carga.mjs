@@ -3,11 +3,11 @@
 import fs from 'node:fs';
 import { maior, pede } from './pedido.mjs';
 
-const ultimo = 'de=2026-03-12&ate=2026-03-12';
+const ultimo = 'de=2026-03-11&ate=2026-03-11';  // that is complete
 const tres = 'de=2026-03-10&ate=2026-03-12';
 const enderecos = ['/', `/dias?${tres}`, `/dias?${tres}&formato=csv`, `/horas?${ultimo}`, `/horas?${ultimo}&formato=csv`,
   `/maiores?${ultimo}`, `/usuario?usuario=${maior}&${tres}`, `/mensagens?usuario=${maior}&${ultimo}`,
-  `/mensagens?usuario=${maior}&${ultimo}&formato=csv`, `/mensagens?hora=9&${ultimo}`];
+  `/mensagens?usuario=igor.silva@correio-livre.example&${ultimo}&formato=csv`, `/mensagens?hora=15&${ultimo}`];
 const numeros = (texto) => new Set(texto.replace(/<[^>]*>/g, ' ').match(/\d[\d.,:/]*/g));
 
 /** Half of a day: of both files what lies before noon, and totals of its own. */
@@ -21,7 +21,7 @@ function metade(arquivo) {
 
 export default async function carga({ servidor, confere, inteiro }) {
   const pasta = servidor.arquivo('dados/demo/dat/rels_03-26');
-  const arquivos = ['mail_stat_12.txt', 'compact_mail_12.txt'].map((n) => `${pasta}/${n}`);
+  const arquivos = ['mail_stat_11.txt', 'compact_mail_11.txt'].map((n) => `${pasta}/${n}`);
   const versoes = [arquivos.map((a) => fs.readFileSync(a)), arquivos.map((a) => Buffer.from(metade(a), 'latin1'))];
   const dono = fs.statSync(arquivos[0]);
   const troca = (v) => arquivos.forEach((a, i) => {

@@ -31,6 +31,7 @@ export const maior = 'nfe@metalurgica.example';
 /** Every page, with what makes it look differently. */
 export const paginas = {
   resumo: '/',
+  'resumo do mes': '/?relay=mes',
   dias: `/dias?${tres}`,
   'dias do mes': `/dias?${mes}`,
   horas: `/horas?${tres}`,

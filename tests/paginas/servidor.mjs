@@ -144,11 +144,11 @@ ${root ? 'User www-data\nGroup www-data' : ''}\n${site}`);
     this.inicia('/usr/sbin/apache2', ['-f', this.arquivo('apache.conf'), '-D', 'FOREGROUND']);
   }
 
-  /** What servers and engine have to complain about, but that all workers of a pool are busy. */
+  /** What servers and engine have to complain about, but that a pool is busy. */
   registros() {
     return fs.readdirSync(this.base).filter((n) => /\.(log|saida)$/.test(n))
       .map((n) => fs.readFileSync(this.arquivo(n), 'latin1')).join('')
-      .split('\n').filter((l) => /warn|error|crit|alert|emerg|fatal|failed/i.test(l) && !/seems busy/.test(l)).join('\n');
+      .split('\n').filter((l) => /warn|error|crit|alert|emerg|fatal|failed/i.test(l) && !/seems busy|pm\.max_children/.test(l)).join('\n');
   }
 
   async fecha() {
