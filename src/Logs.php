@@ -123,8 +123,8 @@ final readonly class Logs
         return $linhas;
     }
 
-    /** @return list<string> paths */
-    private function todos(): array
+    /** @return list<string> paths of the live log and all that are named after it */
+    public function todos(): array
     {
         $nomes = is_dir($this->diretorio) ? @scandir($this->diretorio) : null;
         if ($nomes === null || $nomes === false || !is_executable($this->diretorio)) {
@@ -151,7 +151,7 @@ final readonly class Logs
     }
 
     /** "Thu Mar 12 00:00:30 2026: ..." as "2026-03-12 00:00:30". */
-    private static function quando(string $linha): ?string
+    public static function quando(string $linha): ?string
     {
         if (!preg_match(self::CARIMBO, $linha, $m) || !isset(self::MESES[$m[1]])) {
             return null;

@@ -12,6 +12,18 @@ final class Trava
     /** Who holds it: "1234 (php8.2, relreports)"; null when nobody is seen to. */
     public static function dono(): ?string
     {
+        $pid = self::pid();
+        return $pid === null ? null : self::processo($pid);
+    }
+
+    /** Whether it is this process's. */
+    public static function minha(): bool
+    {
+        return self::pid() === getmypid();
+    }
+
+    private static function pid(): ?int
+    {
         clearstatcache(true, self::ARQUIVO);
         $inodo = @fileinode(self::ARQUIVO);
         if ($inodo === false) {
@@ -19,7 +31,7 @@ final class Trava
         }
         foreach (@file('/proc/locks') ?: [] as $linha) {
             if (preg_match('/^\d+: POSIX .* (\d+) [0-9a-f]+:[0-9a-f]+:(\d+) /', $linha, $m) && (int) $m[2] === $inodo) {
-                return self::processo((int) $m[1]);
+                return (int) $m[1];
             }
         }
         return null;
@@ -43,7 +55,7 @@ final class Trava
     }
 
     /** By /etc/passwd: the module that knows users may not be loaded. */
-    private static function usuario(int $uid): string
+    public static function usuario(int $uid): string
     {
         $texto = (string) @file_get_contents('/etc/passwd');
         return preg_match("/^([^:\n]+):[^:\n]*:$uid:/m", $texto, $m) ? $m[1] : "uid $uid";
