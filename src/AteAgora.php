@@ -5,6 +5,7 @@ declare(strict_types=1);
 namespace Vorna\Mrel;
 
 use Vorna\Mrel\Falha\NaoConsolidado;
+use Vorna\Mrel\Saude\Arquivos;
 
 /**
  * A consolidation up to this moment that readers and the daily run do not notice: made in a scratch
@@ -121,7 +122,8 @@ final class AteAgora
         foreach ($dias as $dia) {
             $estatistica = $novos->caminho(Dias::ESTATISTICA, $dia);
             $compacto = $novos->caminho(Dias::COMPACTO, $dia);
-            self::inteira($estatistica) || throw NaoConsolidado::discoCheio($this->rascunho->caminho);
+            is_file($estatistica) && Arquivos::estatistica($estatistica) === null
+                || throw NaoConsolidado::discoCheio($this->rascunho->caminho);
             $pares[$compacto] = $this->alvo($compacto, Dias::COMPACTO, $dia);
             $pares[$estatistica] = $this->alvo($estatistica, Dias::ESTATISTICA, $dia);
             $this->naoEncolhe($dia, $compacto, $pares[$compacto]);
@@ -130,14 +132,6 @@ final class AteAgora
             touch($novo, $this->inicio);  // until when it tells: what came later may be missing
             @rename($novo, $alvo) || throw NaoConsolidado::semEscrita($alvo);
         }
-    }
-
-    /** Whether a statistics file has its totals and its 24 periods, to the end of the last line. */
-    private static function inteira(string $arquivo): bool
-    {
-        $texto = (string) @file_get_contents($arquivo);
-        return preg_match('/^\d+ \d+( -?\d+){8}$/m', strstr($texto, "\n", true) ?: '') === 1
-            && preg_match_all('/^\[\d+\]$/m', $texto) >= 24 && str_ends_with($texto, "\n");
     }
 
     /** What a new file replaces; the new one gets the mode and the group that the daily run would leave it. */

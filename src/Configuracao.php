@@ -7,7 +7,7 @@ namespace Vorna\Mrel;
 use Vorna\Mrel\Falha\ConfiguracaoInvalida;
 
 /**
- * The relays of an INI file: a section is a relay, its keys are dados, logs, ponto, dominios, fuso.
+ * The relays of an INI file: a section is a relay, its keys are dados, logs, ponto, dominios, fuso, saude.
  *
  *     [matriz]
  *     dados = /var/lib/relay/reports
@@ -18,7 +18,7 @@ use Vorna\Mrel\Falha\ConfiguracaoInvalida;
  */
 final readonly class Configuracao
 {
-    private const CHAVES = ['dados', 'logs', 'ponto', 'dominios', 'fuso'];
+    private const CHAVES = ['dados', 'logs', 'ponto', 'dominios', 'fuso', 'saude'];
 
     /** @param non-empty-array<string, Relay> $relays by name, in the order of the file */
     private function __construct(private string $arquivo, public array $relays)
@@ -45,6 +45,7 @@ final readonly class Configuracao
                 $valores['ponto'] ?? null,
                 Relay::dominios($valores['dominios'] ?? ''),
                 isset($valores['fuso']) ? Fuso::de($valores['fuso']) : null,
+                $valores['saude'] ?? null,
             );
         }
         if (!$relays) {

@@ -107,6 +107,10 @@ final readonly class Rotulos
         'erro_helo' => ['saudação recusada', 'greeting refused'],
         'erro_tamanho' => ['tamanho recusado', 'size refused'],
         'erro_dominio' => ['domínio desconhecido', 'unknown domain'],
+        'ok' => ['ok', 'ok'],
+        'aviso' => ['aviso', 'warning'],
+        'critico' => ['crítico', 'critical'],
+        'desconhecido' => ['desconhecido', 'unknown'],
         'nova_tentativa' => ['nova tentativa', 'to be tried again'],
         'spam' => ['spam', 'spam'],
         'outro' => ['outro', 'other'],
@@ -126,6 +130,15 @@ final readonly class Rotulos
             'Why nothing was done, or not all; empty when all was done.'],
     ];
 
+    private const SAUDE = [
+        'relay' => self::COMUNS['relay'],
+        'verificacao' => ['Verificação', 'Check', 'O que se verificou.', 'What was checked.'],
+        'estado' => ['Estado', 'State', 'Ok, aviso, crítico ou desconhecido.', 'Ok, warning, critical or unknown.'],
+        'texto' => ['Motivo', 'Reason', 'Por que está assim.', 'Why it is so.'],
+        'conselho' => ['O que fazer', 'What to do', 'O que fazer; vazio quando está bem.',
+            'What to do; empty when it is well.'],
+    ];
+
     private int $i;
 
     /** @param string $lingua "pt" or "en"; any other is "pt" */
@@ -138,7 +151,7 @@ final readonly class Rotulos
     public static function tabelas(): array
     {
         return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'topo', 'topo_dominios', 'mensagens', 'rastro',
-            'totais', 'usuarios', 'eventos', 'consolidado'];
+            'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
     }
 
     /**
@@ -220,6 +233,7 @@ final readonly class Rotulos
             'usuarios' => self::usuarios(),
             'eventos' => self::eventos(),
             'consolidado' => self::CONSOLIDADO,
+            'saude' => self::SAUDE,
         };
     }
 

@@ -15,6 +15,7 @@ use Vorna\Mrel\Linha\Mensagem;
 use Vorna\Mrel\Linha\Posicao;
 use Vorna\Mrel\Linha\Rastro;
 use Vorna\Mrel\Linha\Totais;
+use Vorna\Mrel\Saude\Resultado;
 
 /** From the rows of the reports to tables: which figure stands in which column. */
 final class Tabelas
@@ -155,6 +156,18 @@ final class Tabelas
             'ponto' => $c->ponto?->format(DATE_ATOM),
             'motivo' => $c->motivo?->getMessage(),
         ];
+    }
+
+    /** @param list<Resultado> $resultados of one relay each */
+    public static function saude(array $resultados, string $lingua): Tabela
+    {
+        $linhas = [];
+        foreach ($resultados as $r) {
+            foreach ($r->verificacoes as $v) {
+                $linhas[] = [$r->relay, $v->nome, $v->nivel->value, $v->texto($lingua), $v->conselho($lingua)];
+            }
+        }
+        return new Tabela('saude', $linhas);
     }
 
     private static function totaisDe(Totais $l): array

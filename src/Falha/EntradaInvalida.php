@@ -72,6 +72,14 @@ final class EntradaInvalida extends Falha
         );
     }
 
+    public static function naoConfigurado(string $chave): self
+    {
+        return new self(
+            "A configuração não diz \"$chave\": acrescente-o, ou deixe esta verificação de fora com --sem.",
+            "The configuration does not say \"$chave\": add it, or leave this check out with --without."
+        );
+    }
+
     public static function filtro(string $frase, string $emIngles): self
     {
         return new self($frase, $emIngles);

@@ -8,3 +8,4 @@ require dirname(__DIR__, 2) . '/src/autoload.php';
 require __DIR__ . '/Arvore.php';
 require __DIR__ . '/Despachante.php';
 require __DIR__ . '/Vtmrel.php';
+require __DIR__ . '/saude/Mes.php';
