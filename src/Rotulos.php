@@ -150,8 +150,8 @@ final readonly class Rotulos
     /** @return list<string> the tables that have columns */
     public static function tabelas(): array
     {
-        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'topo', 'topo_dominios', 'mensagens', 'rastro',
-            'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
+        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'horas_do_usuario', 'topo', 'topo_dominios', 'mensagens',
+            'rastro', 'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
     }
 
     /**
@@ -224,6 +224,7 @@ final readonly class Rotulos
             'dias_usuario' => ['usuario' => $c['usuario'], 'dia' => $c['dia']] + self::DE_USUARIO,
             'horas' => self::horas(),
             'horas_usuario' => self::horasDeUsuario(),
+            'horas_do_usuario' => ['hora' => $c['hora']] + self::DE_USUARIO,
             'topo' => self::topo('usuario', $c['usuario']),
             'topo_dominios' => self::topo('dominio', ['Domínio', 'Domain',
                 'O que vem depois de "@"; nomes sem "@" são do domínio local.',

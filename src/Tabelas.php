@@ -60,6 +60,39 @@ final class Tabelas
         ]), true);
     }
 
+    /**
+     * The hours of all days added up: 24 rows, by the clock.
+     *
+     * @param iterable<HoraDeUsuario> $linhas
+     */
+    public static function horasDoUsuario(iterable $linhas): Tabela
+    {
+        $horas = array_map(static fn (int $hora): array => [$hora, 0, 0, 0, 0, 0, 0, 0], range(0, 23));
+        $incertos = [];
+        foreach ($linhas as $l) {
+            $contas = [$l->enviadas, $l->bytesEnviados, $l->recebidas, $l->bytesRecebidos, $l->spam, $l->virus,
+                $l->comErro];
+            foreach ($contas as $i => $n) {
+                $horas[$l->hora][$i + 1] += $n;
+            }
+            $incertos[$l->hora][] = $l->bytesIncertos(...);
+        }
+        foreach ($horas as $hora => &$linha) {
+            $duvidas = $incertos[$hora] ?? [];
+            $incerto = static function () use ($duvidas): bool {
+                foreach ($duvidas as $duvida) {
+                    if ($duvida()) {
+                        return true;
+                    }
+                }
+                return false;
+            };
+            $linha[2] = new Bytes($linha[2], $incerto);
+            $linha[4] = new Bytes($linha[4], $incerto);
+        }
+        return new Tabela('horas_do_usuario', $horas, true);
+    }
+
     /** @param iterable<Posicao> $linhas */
     public static function topo(iterable $linhas, Contador $por, bool $dominios): Tabela
     {

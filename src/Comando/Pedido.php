@@ -20,8 +20,6 @@ use Vorna\Mrel\Relay;
 /** What was asked for at the command line, in the library's terms. */
 final readonly class Pedido
 {
-    private const CONFIGURACAO = '/etc/vt-mrel.ini';
-
     public Relay $relay;
     /** @var non-empty-list<Relay> all of the configuration, when none was chosen and the command takes several */
     public array $relays;
@@ -40,7 +38,7 @@ final readonly class Pedido
     /** @return list<string> the names that --relay may have */
     public static function relays(?string $config): array
     {
-        return array_map('strval', array_keys(Configuracao::le($config ?? self::configuracao())->relays));
+        return array_map('strval', array_keys(Configuracao::le($config ?? Configuracao::arquivo())->relays));
     }
 
     public function relatorios(): Relatorios
@@ -129,8 +127,8 @@ final readonly class Pedido
         if ($config === null && $dados !== null) {
             return [null];
         }
-        $arquivo = $config ?? self::configuracao();
-        if ($config === null && $arquivo === self::CONFIGURACAO && !file_exists($arquivo)) {
+        $arquivo = $config ?? Configuracao::arquivo();
+        if ($config === null && !getenv('VT_MREL_CONFIG') && !file_exists($arquivo)) {
             throw UsoErrado::semDados($arquivo);
         }
         $configuracao = Configuracao::le($arquivo);
@@ -152,10 +150,5 @@ final readonly class Pedido
             $fuso !== null ? Fuso::de($fuso) : $base?->fuso,
             $base?->saude,
         );
-    }
-
-    private static function configuracao(): string
-    {
-        return getenv('VT_MREL_CONFIG') ?: self::CONFIGURACAO;
     }
 }

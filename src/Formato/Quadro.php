@@ -35,8 +35,7 @@ final class Quadro implements Formato
 
     public function pedacos(Tabela $tabela): \Generator
     {
-        $this->incertos = false;
-        $this->abertos = $tabela->abertos;
+        $this->comeca($tabela);
         $colunas = $tabela->colunas;
         $linhas = [];
         $larguras = $direita = null;
@@ -123,7 +122,28 @@ final class Quadro implements Formato
         return array_map($this->celula(...), $colunas, $linha);
     }
 
-    private static function soma(array $colunas, array $somas, array $linha): array
+    /** Cells are those of this table from now on. */
+    public function comeca(Tabela $tabela): void
+    {
+        $this->incertos = false;
+        $this->abertos = $tabela->abertos;
+    }
+
+    /** Whether a cell was marked as uncertain since the last table began. */
+    public function temIncertos(): bool
+    {
+        return $this->incertos;
+    }
+
+    /**
+     * Adds a row to the sums of columns; numbers that are names are left out.
+     *
+     * @param list<string> $colunas
+     * @param array<int, int|Bytes> $somas so far, by the column's place
+     * @param list<int|Bytes|string|null> $linha
+     * @return array<int, int|Bytes>
+     */
+    public static function soma(array $colunas, array $somas, array $linha): array
     {
         foreach ($linha as $i => $valor) {
             if ($valor instanceof Bytes) {
@@ -139,7 +159,14 @@ final class Quadro implements Formato
         return $somas;
     }
 
-    private function total(array $colunas, array $somas): array
+    /**
+     * The row of the sums as people read it.
+     *
+     * @param list<string> $colunas
+     * @param array<int, int|Bytes> $somas
+     * @return list<string>
+     */
+    public function total(array $colunas, array $somas): array
     {
         $celulas = [];
         foreach ($colunas as $i => $coluna) {
