@@ -17,9 +17,14 @@ final readonly class Tabela
      * @param string $nome of the table in Rotulos
      * @param iterable<list<int|Bytes|string|null>> $linhas
      * @param bool $soma whether a table for people ends with a sum
+     * @param ?list<string> $colunas when they are others than those of that table
      */
-    public function __construct(public string $nome, public iterable $linhas, public bool $soma = false)
-    {
-        $this->colunas = Rotulos::colunas($nome);
+    public function __construct(
+        public string $nome,
+        public iterable $linhas,
+        public bool $soma = false,
+        ?array $colunas = null,
+    ) {
+        $this->colunas = $colunas ?? Rotulos::colunas($nome);
     }
 }

@@ -74,6 +74,12 @@ final class Opcoes
             'tokens in place of names; domains stay, texts do not'],
         'chave' => ['key', 'FILE', self::VALOR, 'a chave dos símbolos, feita se não houver; sem ela uma só desta vez',
             'the key of the tokens, made when missing; without it one of this run only'],
+        'para' => ['to-database', 'DSN', self::VALOR,
+            'o banco, como "service=frota" ou "host=h dbname=d user=u"; a senha fica no arquivo de PGPASSFILE',
+            'the database, as "service=frota" or "host=h dbname=d user=u"; the password stays in the file of PGPASSFILE'],
+        'desde-o-ultimo' => ['since-the-last', '', self::SEM,
+            'só os dias completos que faltam no banco ou cujos arquivos mudaram; sem período, de todos',
+            'only the complete days that the database lacks or whose files have changed; without a period, of all'],
     ];
 
     /** English values of options, and what they stand for. */

@@ -5,6 +5,7 @@ declare(strict_types=1);
 namespace Vorna\Mrel\Comando;
 
 use Symfony\Component\Console\Input\InputInterface;
+use Vorna\Mrel\Anonimo;
 use Vorna\Mrel\Calendario;
 use Vorna\Mrel\Configuracao;
 use Vorna\Mrel\Falha\EntradaInvalida;
@@ -22,16 +23,19 @@ final readonly class Pedido
 {
     private const CONFIGURACAO = '/etc/vt-mrel.ini';
 
+    /** Not set for a command that is about none. */
     public Relay $relay;
     public string $lingua;
     /** One of Opcoes::FORMATOS. */
     public string $formato;
 
-    public function __construct(private InputInterface $entrada, bool $terminal)
+    public function __construct(private InputInterface $entrada, bool $terminal, bool $deUmRelay = true)
     {
         $this->lingua = $this->escolha('lingua', Opcoes::LINGUAS) ?? Lingua::doAmbiente();
         $this->formato = $this->escolha('formato', Opcoes::FORMATOS) ?? ($terminal ? 'tabela' : 'csv');
-        $this->relay = $this->umRelay();
+        if ($deUmRelay) {
+            $this->relay = $this->umRelay();
+        }
     }
 
     /** @return list<string> the names that --relay may have */
@@ -54,6 +58,19 @@ final readonly class Pedido
     public function temPeriodo(): bool
     {
         return ($this->texto('de') ?? '') !== '' || ($this->texto('ate') ?? '') !== '';
+    }
+
+    /** What --anonimo and --chave say. */
+    public function anonimo(): ?Anonimo
+    {
+        $chave = $this->texto('chave');
+        if (!$this->marcada('anonimo')) {
+            return $chave === null ? null : throw new UsoErrado(
+                '--chave só vale com --anonimo: dê os dois, ou nenhum.',
+                '--chave is of use with --anonimo only: give both, or neither.'
+            );
+        }
+        return $chave === null ? Anonimo::destaVez() : Anonimo::comChave($chave);
     }
 
     public function comoEscrever(): Formato
