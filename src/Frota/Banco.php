@@ -79,7 +79,6 @@ final class Banco
             $this->consulta('COMMIT');
             return $feito;
         } catch (\Throwable $e) {
-            // In the middle of a COPY nothing else can be said to the server.
             @pg_close($this->conexao);
             throw $e;
         }
@@ -91,11 +90,17 @@ final class Banco
         $textos = implode(', ', array_intersect($tabela->colunas, ['usuario', 'mensagem', 'nome', 'classe', 'texto']));
         $vazios = $textos === '' ? '' : ", FORCE_NOT_NULL ($textos)";
         $this->consulta("COPY $tabela->nome (" . implode(', ', $tabela->colunas) . ") FROM STDIN WITH (FORMAT csv, HEADER$vazios)");
-        foreach ((new Csv())->pedacos($tabela) as $pedaco) {
-            // PostgreSQL has no text with a NUL, and nor has a log: it is the mark of a damaged file.
-            if (!@pg_put_line($this->conexao, strtr($pedaco, ["\0" => "\u{2400}"]))) {
-                throw $this->falha();
+        try {
+            foreach ((new Csv())->pedacos($tabela) as $pedaco) {
+                // PostgreSQL has no text with a NUL, and nor has a log: it is the mark of a damaged file.
+                if (!@pg_put_line($this->conexao, strtr($pedaco, ["\0" => "\u{2400}"]))) {
+                    throw $this->falha();
+                }
             }
+        } catch (\Throwable $e) {
+            // PHP would wait for good on closing a connection that still copies.
+            @pg_end_copy($this->conexao);
+            throw $e;
         }
         @pg_end_copy($this->conexao) || throw $this->falha();
     }

@@ -10,13 +10,11 @@ use Vorna\Mrel\Exportacao;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Falha\EnvioFalhou;
 use Vorna\Mrel\Linha\Enviado;
-use Vorna\Mrel\Motor;
 use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Relatorios;
 use Vorna\Mrel\Relay;
 use Vorna\Mrel\Tabela;
 use Vorna\Mrel\Tabelas;
-use Vorna\Mrel\Transbordo;
 
 /**
  * Puts days of one relay into the fleet's database: a day is there whole or not at all, and in the place of what
@@ -24,8 +22,6 @@ use Vorna\Mrel\Transbordo;
  */
 final readonly class Envio
 {
-    private const VOLTA = 0x100000000;
-
     private Dias $dias;
 
     public function __construct(private Relay $relay, private Banco $banco, private ?Anonimo $anonimo = null)
@@ -81,9 +77,12 @@ final readonly class Envio
                 $this->banco->consulta("DELETE FROM $tabela WHERE relay = $1 AND dia = $2", [$this->relay->nome, $dia]);
             }
             [$usuarios, $eventos] = [0, 0];
-            $this->banco->copia(new Tabela('totais', $this->inteiros($totais->linhas, $dia)));
-            $this->banco->copia(new Tabela('usuarios', $this->usuarios($periodo, $usuarios)));
-            $this->banco->copia(new Tabela('eventos', $this->eventos($periodo, $eventos), colunas: Esquema::colunas('eventos')));
+            $inteiros = new Inteiros($this->relay, $dia);
+            $this->banco->copia(new Tabela('totais', $inteiros->totais($totais->linhas)));
+            $linhas = $this->eventos($periodo, $inteiros, $eventos);
+            $this->banco->copia(new Tabela('eventos', $linhas, colunas: Esquema::colunas('eventos')));
+            $this->banco->copia(new Tabela('usuarios', $this->usuarios($periodo, $inteiros, $usuarios)));
+            $inteiros->conserta($this->banco);
             $this->banco->consulta(
                 'INSERT INTO envios (relay, dia, usuarios, eventos, arquivos) VALUES ($1, $2, $3, $4, $5)'
                 . ' ON CONFLICT (relay, dia) DO UPDATE SET quando = now(), usuarios = excluded.usuarios,'
@@ -107,33 +106,24 @@ final readonly class Envio
         return implode(' ', $partes) . ($this->anonimo ? ' anonimo' : '');
     }
 
-    /** The totals with the 4 GiB that the engine's counters of bytes let fall. */
-    private function inteiros(iterable $linhas, string $dia): \Generator
-    {
-        [$internas, $externas] = (new Transbordo($this->dias, new Motor($this->relay)))->voltas($dia);
-        foreach ($linhas as $linha) {
-            $linha[3] = $linha[3]->n + $internas * self::VOLTA;
-            $linha[5] = $linha[5]->n + $externas * self::VOLTA;
-            yield $linha;
-        }
-    }
-
-    private function usuarios(Periodo $periodo, int &$quantos): \Generator
+    private function usuarios(Periodo $periodo, Inteiros $inteiros, int &$quantos): \Generator
     {
         $contas = (new Exportacao($this->relay))->usuarios($periodo);
         foreach (Tabelas::usuarios($this->relay->nome, $contas, $this->anonimo)->linhas as $linha) {
             ++$quantos;
+            $inteiros->usuario($linha);
             yield $linha;
         }
     }
 
     /** The events with their hour. One without a time counts in the reports where the clock stood at 0. */
-    private function eventos(Periodo $periodo, int &$quantos): \Generator
+    private function eventos(Periodo $periodo, Inteiros $inteiros, int &$quantos): \Generator
     {
         $eventos = (new Exportacao($this->relay))->eventos($periodo);
         $semTempo = null;
         foreach (Tabelas::eventos($this->relay->nome, $eventos, $this->relay->fuso, $this->anonimo)->linhas as $linha) {
             ++$quantos;
+            $inteiros->evento($linha);
             if ($linha[3] !== '') {
                 $linha[] = (int) substr($linha[3], 11, 2);
                 $semTempo ??= (int) (new \DateTime('@0'))->setTimezone($this->relay->fuso)->format('G');

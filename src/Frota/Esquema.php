@@ -101,7 +101,8 @@ final readonly class Esquema
                     parte := t || to_char(d, '_YYYYMMDD');
                     CONTINUE WHEN to_regclass(parte) IS NOT NULL;
                     PERFORM pg_advisory_xact_lock(hashtextextended('$espaco.prepara_dia', 0));
-                    CONTINUE WHEN to_regclass(parte) IS NOT NULL;
+                    -- Asked of the table: to_regclass would remember what it answered before the lock.
+                    CONTINUE WHEN EXISTS (SELECT FROM pg_class WHERE relname = parte AND relnamespace = '$espaco'::regnamespace);
                     EXECUTE format('CREATE TABLE %I (LIKE %I INCLUDING ALL)', parte, t);
                     EXECUTE format('ALTER TABLE %I ATTACH PARTITION %I FOR VALUES FROM (%L) TO (%L)', t, parte, d, d + 1);
                 END LOOP;
