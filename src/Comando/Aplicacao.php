@@ -16,6 +16,7 @@ use Vorna\Mrel\Falha;
 use Vorna\Mrel\Falha\EnvioFalhou;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
+use Vorna\Mrel\Versao;
 use Vorna\Mrel\Visivel;
 
 /** The command vtmrel: which commands there are, and how it ends when something is wrong. */
@@ -38,12 +39,13 @@ final class Aplicacao extends Application
         'exporta' => Exporta::class, 'export' => Exporta::class,
         'esquema' => Esquema::class, 'schema' => Esquema::class,
         'envia' => Envia::class, 'send' => Envia::class,
+        'verifica' => Verifica::class, 'check' => Verifica::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 
     public function __construct()
     {
-        parent::__construct('vtmrel', '1.0');
+        parent::__construct('vtmrel', Versao::PACOTE);
         $this->setAutoExit(false);
         $this->setCatchExceptions(false);
         $this->setCommandLoader(new FactoryCommandLoader(

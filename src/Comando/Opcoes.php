@@ -80,6 +80,14 @@ final class Opcoes
         'desde-o-ultimo' => ['since-the-last', '', self::SEM,
             'só os dias completos que faltam no banco ou cujos arquivos mudaram; sem período, de todos',
             'only the complete days that the database lacks or whose files have changed; without a period, of all'],
+        'json' => ['json', '', self::SEM, 'um objeto JSON com estado, quando e verificacoes',
+            'a JSON object with estado, quando and verificacoes'],
+        'prom' => ['prom', 'FILE', self::VALOR, 'escreve também as medidas para o Prometheus, inteiras ou nada',
+            'writes the figures for Prometheus too, whole or not at all'],
+        'sem' => ['without', 'LIST', self::VALOR, 'verificações que não se fazem, separadas por ","',
+            'checks that are not done, parted by ","'],
+        'por-hora' => ['per-hour', 'N', self::VALOR, 'mensagens por hora a que um usuário pode chegar; sem ela 500',
+            'messages an hour that a user may send; without it 500'],
     ];
 
     /** English values of options, and what they stand for. */
