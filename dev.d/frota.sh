@@ -2,7 +2,6 @@
 
 fleet() {
     build
-    need "postgresql" "php$php-pgsql"
     cmake_build release gera_logs
     say "fleet"
     mail=$root/out/frota peers=$root/out/frota-npm

@@ -7,7 +7,6 @@ namespace Vorna\Mrel\Comando;
 use Symfony\Component\Console\Completion\CompletionInput;
 use Symfony\Component\Console\Completion\CompletionSuggestions;
 use Symfony\Component\Console\Input\InputArgument;
-use Vorna\Mrel\Frota\Dialeto;
 use Vorna\Mrel\Frota\Esquema as Definicao;
 
 /** Prints the schema of a fleet's database. */
@@ -30,8 +29,8 @@ final class Esquema extends Comando
     protected function responde(Pedido $pedido, Saida $saida): int
     {
         $banco = $pedido->argumento('banco');
-        $dialeto = Dialeto::tryFrom($banco) ?? throw UsoErrado::banco($banco, self::bancos());
-        $saida->escreve([(new Definicao($dialeto))->sql()]);
+        $esquema = Definicao::todos()[$banco] ?? throw UsoErrado::banco($banco, self::bancos());
+        $saida->escreve([$esquema->sql()]);
         return Aplicacao::FEITO;
     }
 
@@ -47,6 +46,6 @@ final class Esquema extends Comando
     /** @return list<string> */
     private static function bancos(): array
     {
-        return array_column(Dialeto::cases(), 'value');
+        return array_keys(Definicao::todos());
     }
 }

@@ -28,8 +28,24 @@ final readonly class Esquema
         'classe' => Tipo::Palavra, 'texto' => Tipo::Texto,
     ];
 
-    public function __construct(private Dialeto $dialeto)
+    /** @param bool $geral of PostgreSQL: the one that asks several servers, and holds no rows itself */
+    public function __construct(private Dialeto $dialeto, private bool $geral = false)
     {
+    }
+
+    /**
+     * The schemas that there are, by the name that they are asked by.
+     *
+     * @return array<string, self>
+     */
+    public static function todos(): array
+    {
+        return [
+            'pgsql' => new self(Dialeto::Pgsql),
+            'pgsql-geral' => new self(Dialeto::Pgsql, true),
+            'duckdb' => new self(Dialeto::Duckdb),
+            'clickhouse' => new self(Dialeto::Clickhouse),
+        ];
     }
 
     /**
@@ -46,7 +62,7 @@ final readonly class Esquema
     public function sql(): string
     {
         $partes = match ($this->dialeto) {
-            Dialeto::Pgsql => $this->pgsql(),
+            Dialeto::Pgsql => $this->geral ? $this->pgsqlGeral() : $this->pgsql(),
             Dialeto::Duckdb => $this->duckdb(),
             Dialeto::Clickhouse => $this->clickhouse(),
         };
@@ -83,6 +99,39 @@ final readonly class Esquema
             $this->preparaDia(),
             ...$this->vistas(),
             "COMMENT ON SCHEMA $espaco IS 'vtmrel " . self::VERSAO . "';\nCOMMIT;\n",
+        ];
+    }
+
+    /**
+     * The tables are parted by relay, and each part is a table of the server that has the relay.
+     *
+     * @return list<string>
+     */
+    private function pgsqlGeral(): array
+    {
+        $espaco = self::ESPACO;
+        $todas = [...self::TABELAS, 'relays'];
+        $nomes = "'" . implode("', '", $todas) . "'";
+        return [
+            "BEGIN;\nCREATE EXTENSION IF NOT EXISTS postgres_fdw SCHEMA public;\nCREATE SCHEMA $espaco;\nSET LOCAL search_path = $espaco, public;\n",
+            ...array_map(fn (string $t): string => $this->tabela($t, ' PARTITION BY LIST (relay)'), self::TABELAS),
+            $this->relays('', ' PARTITION BY LIST (relay)'),
+            <<<SQL
+            -- Makes the relays of a server, which CREATE SERVER named, a part of every table.
+            CREATE FUNCTION acrescenta_servidor(servidor text, quais text[]) RETURNS void LANGUAGE plpgsql
+            SET search_path = $espaco, public, pg_temp AS \$\$
+            DECLARE t text;
+            BEGIN
+                FOREACH t IN ARRAY ARRAY[$nomes] LOOP
+                    EXECUTE format('CREATE FOREIGN TABLE %I PARTITION OF %I FOR VALUES IN (%s) SERVER %I'
+                        || ' OPTIONS (schema_name ''$espaco'', table_name %L)', t || '_' || servidor, t,
+                        (SELECT string_agg(quote_literal(r), ', ') FROM unnest(quais) r), servidor, t);
+                END LOOP;
+            END \$\$;
+
+            SQL,
+            ...$this->vistas(),
+            "COMMIT;\n",
         ];
     }
 

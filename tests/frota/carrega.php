@@ -7,3 +7,4 @@ declare(strict_types=1);
 require dirname(__DIR__) . '/php/carrega.php';
 require __DIR__ . '/Cluster.php';
 require __DIR__ . '/Caso.php';
+require __DIR__ . '/Espelho.php';
