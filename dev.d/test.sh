@@ -83,7 +83,7 @@ library() {
 test_all() {
     deps
     mkdir -p out
-    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit faults check static
+    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit deb faults check static
     for part in "$@"; do
         case $part in
             asan) unit asan ;;
@@ -91,6 +91,7 @@ test_all() {
             tsan) unit tsan 'VeltoStringThreads.*' ;;
             phpt) phpt ;;
             phpunit) library ;;
+            deb) deb_test ;;
             check | static) if "$part"; then add 1; else add 0 1; fi ;;
             *) die "there is no test '$part'" ;;
         esac
