@@ -7,14 +7,17 @@ PHP_ARG_ENABLE([vt_mrel],
 if test "$PHP_VT_MREL" != "no"; then
   PHP_REQUIRE_CXX()
   VT_MREL_SOURCES="
+    misc/chave.cpp
     misc/gravacao.cpp
     misc/leitor.cpp
     misc/ncutils.cpp
-    misc/xmlhelper.cpp
+    misc/reserva.cpp
+    misc/texto.cpp
     borland/XmlRegistry.cpp
     borland/XmlValueStore.cpp
     borland/vtstring.cpp
     borland/vtstringlist.cpp
+    borland/xmlhelper.cpp
     common/Contadores.cpp
     common/Evento.cpp
     common/LogFileParser.cpp
@@ -31,15 +34,13 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogMailFileParser_trace.cpp
     common/LogMailFileParser_usuario.cpp
     common/Msg.cpp
-    common/Reserva.cpp
-    common/Tabela.cpp
-    common/Texto.cpp
     common/Trabalho.cpp
     common/Usuario.cpp
     common/auxiliar.cpp
     common/compacta.cpp
     common/diario.cpp
     common/logresult.cpp
+    common/passada.cpp
     common/relogio.cpp
     common/relutl.cpp
     php/vtmrel.cpp

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "common/Tabela.h"
+#include "borland/xmlhelper.h"
+#include "misc/chave.h"
 #include "misc/gravacao.h"
 #include "misc/ncutils.h"
-#include "misc/xmlhelper.h"
 
 namespace {
 

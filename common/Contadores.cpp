@@ -7,7 +7,7 @@
 #include <iterator>
 #include <new>
 
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 namespace contadores {
 

@@ -5,13 +5,7 @@
 #include <cstring>
 
 void Evento::separa(const char* linha, std::size_t n) {
-    lidas_ = 0;
-    if (n > inicio_das_palavras_ && !tem_nul(linha, inicio_das_palavras_) &&
-        !separa_regular(linha, n)) {
-        n = std::min(n, maior_) - inicio_das_palavras_;
-        linha += inicio_das_palavras_;
-        separa_qualquer(linha, strnlen(linha, n));
-    }
+    separa_palavras(linha, n);
     agente_ = getAgent(palavra(0).data());
     status_ = getStatus(palavra(1).data());
     id_ = chave_da(3);
@@ -20,8 +14,26 @@ void Evento::separa(const char* linha, std::size_t n) {
     endereco_ = aceita ? chave_da(5) : submissao() ? chave_da(7) : Chave();
 }
 
+void Evento::separa_palavras(const char* linha, std::size_t n) {
+    lidas_ = 0;
+    if (n <= inicio_das_palavras_ || tem_nul(linha, inicio_das_palavras_)) return;
+    if (separa_regular(linha, n)) return;
+    n = std::min(n, maior_) - inicio_das_palavras_;
+    linha += inicio_das_palavras_;
+    separa_qualquer(linha, strnlen(linha, n));
+}
+
 // Takes a line of the usual kind: not long, one blank between the words, none behind the last, and
-// the line's end behind that. False when it is of another kind.
+// the line's end behind that. False when it is of another kind. Behind the stamp, with '_' for a
+// blank and '.' for a NUL:
+//
+//     linha          39_MAILQ_DELIVER_Msg_69AF5F9E3779B980_tentativa_1\n
+//     texto_         39.MAILQ.DELIVER.Msg.69AF5F9E3779B980.tentativa.1.
+//     cortes           1     1       1   1                1         1 1
+//     separadores_     2     8       16  20               37        47 49
+//
+// The first word is not kept. Word 0 stands between the first two places, and so on; the last place
+// is the end of the line.
 bool Evento::separa_regular(const char* linha, std::size_t n) {
     std::size_t fim = n - 1;
     if (linha[fim] != '\n') return false;

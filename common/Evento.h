@@ -49,6 +49,7 @@ class Evento {
     static constexpr std::size_t inicio_das_palavras_ = 26;
     static constexpr std::size_t maior_ = 299;  // bytes of a line that count
 
+    void separa_palavras(const char* linha, std::size_t n);
     bool separa_regular(const char* linha, std::size_t n);
     void separa_qualquer(const char* texto, std::size_t n);
     Chave chave_da(int i) const;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "borland/XmlRegistry.h"
+#include "misc/escopo.h"
 #include "misc/ncutils.h"
 
 namespace {
@@ -126,15 +127,12 @@ time_t LogFileParser::getNextPeriod(time_t t) {
 }
 
 bool LogFileParser::consolidate(const char* lastConsolidFile) {
-    struct Fim {
-        LogFileParser* p;
-        bool limpa_debug = true;
-        ~Fim() {
-            p->fecha_entrada();
-            p->relogio_.termina();
-            p->termina(limpa_debug);
-        }
-    } fim{this};
+    bool limpa_debug = true;
+    const AoSair fim([&] {
+        fecha_entrada();
+        relogio_.termina();
+        termina(limpa_debug);
+    });
     relogio_.comeca();
     parada_ = false;
     const time_t now = relogio_do_sistema(nullptr);
@@ -142,7 +140,7 @@ bool LogFileParser::consolidate(const char* lastConsolidFile) {
     const bool primeiraVez = lastConsolid == 0;
     if (!parada_ && !forceMode && lastConsolid + consolid_period >= now) {
         traco("relatorio de hoje ja foi gerado.\n\n");
-        fim.limpa_debug = false;
+        limpa_debug = false;
         return true;
     }
     if (parada_ || !escolhe_entrada()) return !parada_;
@@ -172,10 +170,7 @@ bool LogFileParser::escolhe_entrada() {
     const bool ha = getInputFiles(vivo);
     if (parada_) return false;
     if (lastConsolid == 0) {
-        if (!ha) {
-            traco("Nenhum arquivo de log foi encontrado\n");
-            return false;
-        }
+        if (!ha) return recusa("Nenhum arquivo de log foi encontrado\n");
         lastConsolid = meia_noite(inputFiles[0].iTime);
     }
     return true;

@@ -104,6 +104,11 @@ class LogFileParser {
     ~LogFileParser();
 
     void traco(const char* formato, ...) const __attribute__((format(printf, 2, 3)));
+    // Traces why something is refused; false.
+    bool recusa(const char* texto) const {
+        traco("%s", texto);
+        return false;
+    }
 
     Relogio relogio_;
 

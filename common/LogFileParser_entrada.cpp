@@ -126,8 +126,7 @@ bool LogFileParser::abre_entrada() {
     osBuf.fin = abre_regular(path).release();
     if (!osBuf.fin) {
         recurso_em_falta(errno);
-        traco("Erro abrindo arquivo de entrada!\n");
-        return false;
+        return recusa("Erro abrindo arquivo de entrada!\n");
     }
     leitor_.abre(fileno(osBuf.fin), bytes_por_leitura);
     if (le_linha()) return true;

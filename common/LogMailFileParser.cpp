@@ -3,7 +3,9 @@
 
 #include <cstring>
 
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_corrida.h"
+#include "common/LogMailFileParser_relatos.h"
+#include "misc/escopo.h"
 
 LogMailFileParser::LogMailFileParser()
     : compact_logfile(nullptr),
@@ -14,7 +16,8 @@ LogMailFileParser::LogMailFileParser()
       last_period(0),
       first_period_ok(false),
       compact_fname_prefix(""),
-      stat_fname_prefix("") {
+      stat_fname_prefix(""),
+      relatos_(std::make_unique<Relatos>(*this)) {
     consolid_period = 86400;
     set_sfile_num_periods(24);
     std::strcpy(def_dir, "LOGS");
@@ -30,10 +33,7 @@ LogMailFileParser::~LogMailFileParser() {
 }
 
 bool LogMailFileParser::add_domain(char* list) {
-    if (!list) {
-        traco("LogMailFileParser::add_domain: Param. incorreto.\r\n");
-        return false;
-    }
+    if (!list) return recusa("LogMailFileParser::add_domain: Param. incorreto.\r\n");
     const std::unique_ptr<char*[]> nomes(explode(list, ';', nullptr));
     for (char** nome = nomes.get(); nome && *nome; ++nome) {
         Domain* d = new Domain{};
@@ -44,21 +44,22 @@ bool LogMailFileParser::add_domain(char* list) {
 }
 
 bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
-    struct Fim {
-        LogMailFileParser* p;
-        ~Fim() { p->esvazia(); }
-    } fim{this};
+    corrida_ = std::make_unique<Corrida>(*this, true);
+    const AoSair fim([this] { corrida_.reset(); });
     if (sfile_num_periods == 0) set_sfile_num_periods(24);
     return LogFileParser::consolidate(lastConsolidFile);
 }
 
-// Ends a run, also one that an exception left in mid-day.
-void LogMailFileParser::esvazia() {
-    fecha(compact_logfile);
-    fecha(statistic_logfile);
-    lote_.reset();
-    remetentes_.reset();
-    Lista_msg.apaga_se([](const Msg*) { return true; });
-    Lista_usu.apaga_se([](const Usuario*) { return true; });
-    trabalhos_.esquece();
+Corrida& LogMailFileParser::corrida() {
+    if (!corrida_) corrida_ = std::make_unique<Corrida>(*this, false);
+    return *corrida_;
+}
+
+Corrida::~Corrida() {
+    if (!dona_) return;
+    p_.fecha(p_.compact_logfile);
+    p_.fecha(p_.statistic_logfile);
+    p_.Lista_msg.apaga_se([](const Msg*) { return true; });
+    p_.Lista_usu.apaga_se([](const Usuario*) { return true; });
+    p_.relatos_->esquece();
 }

@@ -4,23 +4,18 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
-#include <initializer_list>
 #include <memory>
-#include <string>
-#include <string_view>
 
-#include "common/Evento.h"
 #include "common/LogFileParser.h"
 #include "common/Msg.h"
-#include "common/Tabela.h"
-#include "common/Trabalho.h"
 #include "common/Usuario.h"
 #include "common/auxiliar.h"
 #include "common/diario.h"
 #include "common/relatorio.h"
-#include "misc/escrita.h"
+#include "misc/tabela.h"
 
-class Crivo;
+class Corrida;
+class Relatos;
 
 // One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
 // of a day and its files (_periodos), the statistics file (_estatistica), what is carried over
@@ -177,101 +172,17 @@ class LogMailFileParser : public LogFileParser {
     int msgs_per_hour_handle_SPAM(long t, MsgsData* hora, char** campos, int n);
 
   private:
-    struct RegraErro;
-    struct Despacho;
-    struct Lido;
-    class Horas;
-    class Passada;
-    struct Replay;
-    struct LeituraEstatistica;
+    friend class Corrida;
+    friend class Relatos;
 
-    // The line (_linha.cpp).
-    void despacha(const Evento& e);
-    const char* resto_da_linha(std::size_t coluna) const;
+    // The run in progress. Whoever hands in events without consolidate() gets one that owns
+    // nothing.
+    Corrida& corrida();
 
-    // The time of an event, and that in hexadecimal, as its compact line begins.
-    struct Hora {
-        time_t t;
-        std::string_view hexa;
-    };
-    Hora hora(const char* T);
-
-    // The events (_eventos.cpp): what the public handlers do, over the words of the line, measured
-    // and hashed. Each text has a NUL behind it, or no data when it is missing.
-    using Texto = std::string_view;
-    int mailq_submit(Hora h, const Chave& id, Texto tipo, const Chave& remetente, Texto tamanho);
-    int mailq_ok(Hora h, const Chave& id, const Chave& destinatario);
-    int mailq_end(Hora h, const Chave& id);
-    int deliver(Hora h, const Chave& id);
-    int smtp_ok(Hora h, const Chave& id, const Chave& destinatario);
-    int smtp_end(Hora h, const Chave& id);
-    int spam(Hora h, const Chave& id);
-    int virus(Hora h, const Chave& id);
-    int erro(Status status, Hora h, const Chave& id, Texto texto = {});
-
-    // Steps that they share.
-    bool registra(const char* metodo, Agent agente, Status status, Hora h,
-                  std::initializer_list<Texto> campos, bool fim = true);
-    Msg* msg_ou_nova(const Chave& id, time_t inicio = 0);
-    TextoPartilhado texto_de(const Chave& remetente);
-    Usuario* usuario_ou_novo(const Chave& nome, unsigned periodos);
-    void conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
-    void conta_recebida(const Chave& destinatario, const Msg* m, time_t t);
-    void encerra(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int) = nullptr);
-
-    // The day's end (_periodos.cpp, _estatistica.cpp).
     time_t passo() const { return 86400 / sfile_num_periods; }
     bool fecha(std::FILE*& arquivo);
     bool sincroniza_mes();
-    diario::Totais retira_mensagens();
-    void escreve_estatistica(const diario::Totais& totais);
-    void prepara_proximo_dia();
-    void esvazia();
 
-    static constexpr std::size_t max_remetentes = 8192;
-
-    // The fields of a compact line, and field 3 as a key, without text when there is none.
-    struct Campos {
-        char** texto;
-        int n;
-        const Chave& id;
-
-        char* operator[](int i) const { return texto[i]; }
-    };
-    static Chave id_de(char** campos, int n) {
-        return campos && n > 3 ? Chave(campos[3]) : Chave();
-    }
-
-    // What the public handlers of the reports do that look for messages by id, where the line's key
-    // is known.
-    int user_submit(const params& q, long t, const Campos& c);
-    int user_ok(const params& q, long t, const Campos& c);
-    int user_end(const Campos& c);
-    int user_virus(DList<UserMsgs>* msgs, const Campos& c);
-    int user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo);
-    int hora_submit(MsgsData* hora, const Campos& c);
-    int hora_end(MsgsData* hora, const Campos& c);
-    int hora_erro(MsgsData* hora, const Campos& c);
-    int hora_virus(MsgsData* hora, const Campos& c);
-    int hora_spam(MsgsData* hora, const Campos& c);
-
-    // Reports (_leitura.cpp, _replay.cpp, _usuario.cpp).
-    bool le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
-                         DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
-                         const char* user);
-    void replay(diario::Dias dias, long start, long end, ReportType type, params* p);
-    bool corta_dominio_local(std::string& endereco);
-    UserMsgs* linha_de(DList<UserMsgs>* msgs, const Chave& id);
-    UserMsgs* nova_linha(DList<UserMsgs>* msgs, const Chave& id);
-    bool remetido(DList<Usuario>* remetentes, const char* endereco);
-
-    Trabalhos trabalhos_;  // never seen by a consolidation, which makes the parser forget them
-    struct IndiceDeLinhas;
-    IndiceDeLinhas* indice_ = nullptr;  // of the rows being filled, during get_user_msgs
-
-    Hora hora_{};  // of the line handled last, its text in T_
-    char T_[16] = {};
-    std::unique_ptr<Evento[]> lote_;                 // the lines shown by antecipa()
-    bool sem_compacto_ = false;                      // the day's compact file could not be created
-    std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash
+    std::unique_ptr<Relatos> relatos_;
+    std::unique_ptr<Corrida> corrida_;
 };

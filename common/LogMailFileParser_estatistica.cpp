@@ -1,7 +1,8 @@
 // The day's end: totals, the statistics file, and what goes on to the next day.
 #include <algorithm>
 
-#include "common/LogMailFileParser.h"
+#include "common/LogMailFileParser_corrida.h"
+#include "misc/escrita.h"
 #include "misc/ncutils.h"
 
 namespace {
@@ -37,19 +38,20 @@ bool algum(const usuStats& s) {
 }  // namespace
 
 bool LogMailFileParser::dumpFiles() {
+    Corrida& c = corrida();
     bool gravado = fecha(compact_logfile);
     if (!createFile(&statistic_logfile, diario::estatistica)) return false;
     gravado &= sincroniza_mes();
-    escreve_estatistica(retira_mensagens());
-    prepara_proximo_dia();
+    c.escreve_estatistica(c.retira_mensagens());
+    c.prepara_proximo_dia();
     gravado &= fecha(statistic_logfile);
-    return gravado && !sem_compacto_;
+    return gravado && !c.sem_compacto;
 }
 
 // Adds up the day's totals and deletes the messages that are done with.
-diario::Totais LogMailFileParser::retira_mensagens() {
+diario::Totais Corrida::retira_mensagens() {
     diario::Totais t{};
-    Lista_msg.apaga_se([&t](Msg* m) {
+    p_.Lista_msg.apaga_se([&t](Msg* m) {
         if (m->tries != 0) t.att_blocked += m->att_blocked;  // and once more when it is finished
         const bool terminada = m->end_time != 0 || m->fatal_error;
         if (terminada) {
@@ -63,33 +65,33 @@ diario::Totais LogMailFileParser::retira_mensagens() {
     return t;
 }
 
-void LogMailFileParser::escreve_estatistica(const diario::Totais& totais) {
-    const unsigned ultimo = std::min(last_period, sfile_num_periods - 1);
-    MemoriaDeStream::empresta(statistic_logfile);
-    diario::escreve_totais(statistic_logfile, period_limit[first_period] - passo(),
-                           period_limit[ultimo] - 1, totais);
-    for (unsigned p = 0; p < sfile_num_periods; ++p) {
-        diario::escreve_periodo(statistic_logfile, period_limit[p] - passo());
-        for (const Usuario* u = Lista_usu.first(); u; u = u->next) {
+void Corrida::escreve_estatistica(const diario::Totais& totais) {
+    const unsigned ultimo = std::min(p_.last_period, p_.sfile_num_periods - 1);
+    MemoriaDeStream::empresta(p_.statistic_logfile);
+    diario::escreve_totais(p_.statistic_logfile, p_.period_limit[p_.first_period] - p_.passo(),
+                           p_.period_limit[ultimo] - 1, totais);
+    for (unsigned p = 0; p < p_.sfile_num_periods; ++p) {
+        diario::escreve_periodo(p_.statistic_logfile, p_.period_limit[p] - p_.passo());
+        for (const Usuario* u = p_.Lista_usu.first(); u; u = u->next) {
             const usuStats s = u->getStats(static_cast<int>(p));
             if (algum(s))
-                diario::escreve_usuario(statistic_logfile, chave(*u), u->tamanho_do_nome(), s);
+                diario::escreve_usuario(p_.statistic_logfile, chave(*u), u->tamanho_do_nome(), s);
         }
     }
 }
 
 // Attempts and errors belong to one day, and so do users, except for those with a message in
 // flight.
-void LogMailFileParser::prepara_proximo_dia() {
-    for (Msg* m = Lista_msg.first(); m; m = m->next) {
+void Corrida::prepara_proximo_dia() {
+    for (Msg* m = p_.Lista_msg.first(); m; m = m->next) {
         m->tries = 0;
         m->error = false;
         if (m->sender && m->sender->msgs_reference == 0) m->sender = nullptr;
     }
-    Lista_usu.apaga_se([this](Usuario* u) {
+    p_.Lista_usu.apaga_se([this](Usuario* u) {
         if (u->msgs_reference == 0) return true;
-        traco("Usu\xE1rio %s na lista.[ref = %d]\n", chave(*u),
-              static_cast<int>(u->msgs_reference));
+        p_.traco("Usu\xE1rio %s na lista.[ref = %d]\n", chave(*u),
+                 static_cast<int>(u->msgs_reference));
         u->reset_vars();
         return false;
     });

@@ -3,7 +3,7 @@
 // already.
 #include <algorithm>
 
-#include "common/LogMailFileParser.h"
+#include "common/LogMailFileParser_corrida.h"
 #include "misc/numero.h"
 
 namespace {
@@ -21,7 +21,7 @@ Chave chave(const char* t) {
 }  // namespace
 
 // What an error event does beyond its compact line.
-struct LogMailFileParser::RegraErro {
+struct Corrida::RegraErro {
     enum Faz : unsigned {
         conta = 1,       // counts an error of the sender
         marca_hora = 2,  // moves the message's last_time
@@ -37,54 +37,45 @@ struct LogMailFileParser::RegraErro {
     unsigned faz = 0;
 };
 
-LogMailFileParser::Hora LogMailFileParser::hora(const char* T) {
-    return {convTimeFromLog(osBuf.lbuf), texto(T)};
+Corrida::Hora Corrida::hora(const char* T) {
+    return {p_.convTimeFromLog(p_.osBuf.lbuf), texto(T)};
 }
 
-// Refuses the event when a text is missing; else writes its compact line: time, agent, status, the
-// other texts, a line end unless the last of them brings it. False when refused.
-bool LogMailFileParser::registra(const char* metodo, Agent agente, Status status, Hora h,
-                                 std::initializer_list<Texto> campos, bool fim) {
+// Refuses the event when a text is missing; else writes its compact line. False when refused.
+bool Corrida::registra(const char* metodo, Agent agente, Status status, Hora h,
+                       std::initializer_list<Texto> campos, bool fim) {
     bool falta = !h.hexa.data();
-    std::size_t maior = h.hexa.size() + 2 * Linha::maior_numero + campos.size() + 3;
-    for (const Texto t : campos) {
-        falta |= !t.data();
-        maior += t.size();
-    }
+    for (const Texto t : campos) falta |= !t.data();
     if (falta) {
-        traco("%s : Params. inv\xE1lidos.\r\n", metodo);
+        p_.traco("%s : Params. inv\xE1lidos.\r\n", metodo);
         return false;
     }
-    if (!compact_logfile) return true;
-    Linha linha(compact_logfile, maior);
-    linha.texto(h.hexa).letra(' ').numero(agente).letra(' ').numero(status);
-    for (const Texto t : campos) linha.letra(' ').texto(t);
-    if (fim) linha.letra('\n');
-    linha.termina();
+    if (p_.compact_logfile)
+        compacta::escreve(p_.compact_logfile, h.hexa, agente, status, campos, fim);
     return true;
 }
 
-Msg* LogMailFileParser::msg_ou_nova(const Chave& id, time_t inicio) {
-    if (Msg* m = Lista_msg.procurar(id)) return m;
+Msg* Corrida::msg_ou_nova(const Chave& id, time_t inicio) {
+    if (Msg* m = p_.Lista_msg.procurar(id)) return m;
     auto nova = std::make_unique<Msg>(id.texto, inicio);
     // A long id is kept cut, so its key is another one.
-    id.tamanho < sizeof nova->id ? Lista_msg.putFirst(nova.get(), id.hash)
-                                 : Lista_msg.putFirst(nova.get());
+    id.tamanho < sizeof nova->id ? p_.Lista_msg.putFirst(nova.get(), id.hash)
+                                 : p_.Lista_msg.putFirst(nova.get());
     return nova.release();
 }
 
-Usuario* LogMailFileParser::usuario_ou_novo(const Chave& nome, unsigned periodos) {
-    if (Usuario* u = Lista_usu.procurar(nome)) return u;
+Usuario* Corrida::usuario_ou_novo(const Chave& nome, unsigned periodos) {
+    if (Usuario* u = p_.Lista_usu.procurar(nome)) return u;
     auto novo = std::make_unique<Usuario>(nome.texto, periodos);
-    Lista_usu.putFirst(novo.get(), nome.hash);
+    p_.Lista_usu.putFirst(novo.get(), nome.hash);
     return novo.release();
 }
 
 // A sender's text, shared with the earlier messages of the same sender while he is remembered. Each
 // place remembers its last sender.
-TextoPartilhado LogMailFileParser::texto_de(const Chave& remetente) {
-    if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes);
-    TextoPartilhado& t = remetentes_[remetente.hash % max_remetentes];
+TextoPartilhado Corrida::texto_de(const Chave& remetente) {
+    if (!remetentes_) remetentes_ = std::make_unique<TextoPartilhado[]>(max_remetentes_);
+    TextoPartilhado& t = remetentes_[remetente.hash % max_remetentes_];
     if (!t.igual(remetente.texto, remetente.tamanho))
         t = TextoPartilhado(remetente.texto, remetente.tamanho);
     return t;
@@ -92,38 +83,38 @@ TextoPartilhado LogMailFileParser::texto_de(const Chave& remetente) {
 
 // Counts the message for its local sender in the period of `t`, and one more in another counter of
 // his. A time that could not be read counts nowhere.
-void LogMailFileParser::conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
+void Corrida::conta_enviada(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
     if (t == 0 || !m->int_user || !m->sender) return;
-    const unsigned p = getPeriodByTime(t);
+    const unsigned p = p_.getPeriodByTime(t);
     m->sender->incSent(p, 1);
     m->sender->addSentBytes(p, static_cast<int>(m->size));
     if (tambem) (m->sender->*tambem)(p, 1);
 }
 
-void LogMailFileParser::conta_recebida(const Chave& destinatario, const Msg* m, time_t t) {
-    Usuario* u = usuario_ou_novo(destinatario, sfile_num_periods);
+void Corrida::conta_recebida(const Chave& destinatario, const Msg* m, time_t t) {
+    Usuario* u = usuario_ou_novo(destinatario, p_.sfile_num_periods);
     if (t == 0) return;
-    const unsigned p = getPeriodByTime(t);
+    const unsigned p = p_.getPeriodByTime(t);
     u->incRecv(p, 1);
     u->addRecvBytes(p, static_cast<int>(m->size));
 }
 
 // The message is over: a local sender is counted and no longer waited for.
-void LogMailFileParser::encerra(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
+void Corrida::encerra(Msg* m, time_t t, int (Usuario::*tambem)(unsigned, int)) {
     m->end_time = t;
     conta_enviada(m, t, tambem);
     if (m->int_user && m->sender) --m->sender->msgs_reference;
 }
 
-int LogMailFileParser::mailq_submit(Hora h, const Chave& id, Texto tipo, const Chave& remetente,
-                                    Texto tamanho) {
+int Corrida::mailq_submit(Hora h, const Chave& id, Texto tipo, const Chave& remetente,
+                          Texto tamanho) {
     if (!registra("LogMailFileParser::handle_MAILQ:SUBMIT", MAILQ, SUBMIT, h,
                   {id, tipo, remetente, tamanho}))
         return 0;
     const bool interno = getUserType(tipo.data()) == INTERNO;
     Usuario* u = nullptr;
     if (interno) {
-        u = usuario_ou_novo(remetente, std::max(24u, sfile_num_periods));
+        u = usuario_ou_novo(remetente, std::max(24u, p_.sfile_num_periods));
         ++u->msgs_reference;
     }
     Msg* m = msg_ou_nova(id, h.t);
@@ -134,7 +125,7 @@ int LogMailFileParser::mailq_submit(Hora h, const Chave& id, Texto tipo, const C
     return 1;
 }
 
-int LogMailFileParser::mailq_ok(Hora h, const Chave& id, const Chave& destinatario) {
+int Corrida::mailq_ok(Hora h, const Chave& id, const Chave& destinatario) {
     if (!registra("LogMailFileParser::handle_MAILQ:OK", MAILQ, OK, h, {id, destinatario})) return 0;
     Msg* m = msg_ou_nova(id);
     if (m->tries == 0) m->tries = 1;
@@ -143,13 +134,13 @@ int LogMailFileParser::mailq_ok(Hora h, const Chave& id, const Chave& destinatar
     return 1;
 }
 
-int LogMailFileParser::mailq_end(Hora h, const Chave& id) {
+int Corrida::mailq_end(Hora h, const Chave& id) {
     if (!registra("LogMailFileParser::handle_MAILQ:END", MAILQ, END, h, {id})) return 0;
     encerra(msg_ou_nova(id), h.t);
     return 1;
 }
 
-int LogMailFileParser::deliver(Hora h, const Chave& id) {
+int Corrida::deliver(Hora h, const Chave& id) {
     if (!registra("LogMailFileParser::handle_MAILSMTP:DELIVER", MAILSMTP, DELIVER, h, {id}))
         return 0;
     Msg* m = msg_ou_nova(id);
@@ -158,14 +149,14 @@ int LogMailFileParser::deliver(Hora h, const Chave& id) {
     return 1;
 }
 
-int LogMailFileParser::smtp_ok(Hora h, const Chave& id, const Chave& destinatario) {
+int Corrida::smtp_ok(Hora h, const Chave& id, const Chave& destinatario) {
     if (!registra("LogMailFileParser::handle_MAILSMTP:OK", MAILSMTP, OK, h, {id, destinatario}))
         return 0;
-    Msg* m = Lista_msg.procurar(id);
+    Msg* m = p_.Lista_msg.procurar(id);
     if (m) {
         const std::size_t arroba = Texto(destinatario).find('@');
-        if (arroba != Texto::npos) remover_error(m, destinatario.texto + arroba + 1);
-        remover_error(m, nullptr);
+        if (arroba != Texto::npos) p_.remover_error(m, destinatario.texto + arroba + 1);
+        p_.remover_error(m, nullptr);
     } else {
         m = msg_ou_nova(id);
     }
@@ -175,9 +166,9 @@ int LogMailFileParser::smtp_ok(Hora h, const Chave& id, const Chave& destinatari
     return 1;
 }
 
-int LogMailFileParser::smtp_end(Hora h, const Chave& id) {
+int Corrida::smtp_end(Hora h, const Chave& id) {
     if (!registra("LogMailFileParser::handle_MAILSMTP:END", MAILSMTP, END, h, {id})) return 0;
-    Msg* m = Lista_msg.procurar(id);
+    Msg* m = p_.Lista_msg.procurar(id);
     if (m)
         m->error = m->error_list.first() != nullptr;
     else
@@ -186,7 +177,7 @@ int LogMailFileParser::smtp_end(Hora h, const Chave& id) {
     return 1;
 }
 
-int LogMailFileParser::spam(Hora h, const Chave& id) {
+int Corrida::spam(Hora h, const Chave& id) {
     // Agent 2 for every spam and virus event, whoever found it: the replay counts on it.
     if (!registra("LogMailFileParser::handle_SPAM", MAILSMTP, SPAM, h, {id})) return 0;
     Msg* m = msg_ou_nova(id);
@@ -195,9 +186,9 @@ int LogMailFileParser::spam(Hora h, const Chave& id) {
     return 1;
 }
 
-int LogMailFileParser::virus(Hora h, const Chave& id) {
+int Corrida::virus(Hora h, const Chave& id) {
     if (!registra("LogMailFileParser::handle_ANTIVIRUS_VIRUS", MAILSMTP, VIRUS, h, {id})) return 0;
-    Msg* m = Lista_msg.procurar(id);
+    Msg* m = p_.Lista_msg.procurar(id);
     if (!m) return 1;  // like an error, a virus does not make a message known
     m->virus = true;
     encerra(m, h.t, &Usuario::incVirus);
@@ -205,7 +196,7 @@ int LogMailFileParser::virus(Hora h, const Chave& id) {
 }
 
 // An error of an unknown message leaves nothing but its compact line.
-int LogMailFileParser::erro(Status status, Hora h, const Chave& id, Texto texto) {
+int Corrida::erro(Status status, Hora h, const Chave& id, Texto texto) {
     using R = RegraErro;
     static constexpr R regras[] = {
         {.metodo = "LogMailFileParser::handle_MAILSMTP:CONNECT",
@@ -251,9 +242,9 @@ int LogMailFileParser::erro(Status status, Hora h, const Chave& id, Texto texto)
                                            : registra(regra.metodo, MAILSMTP, status, h,
                                                       {id, texto}, !faz(R::sem_fim));
     if (!escrito) return 0;
-    Msg* m = Lista_msg.procurar(id);
+    Msg* m = p_.Lista_msg.procurar(id);
     if (!m) return 1;
-    if (faz(R::conta) && m->sender && h.t != 0) m->sender->incErro(getPeriodByTime(h.t), 1);
+    if (faz(R::conta) && m->sender && h.t != 0) m->sender->incErro(p_.getPeriodByTime(h.t), 1);
     if (faz(R::marca_hora)) m->last_time = h.t;
     if (faz(R::fatal)) m->fatal_error = true;
     if (faz(R::tentativa) && m->tries == 0) m->tries = 1;
@@ -274,53 +265,70 @@ void LogMailFileParser::remover_error(Msg* m, const char* texto) {
 
 int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo,
                                            const char* remetente, const char* tamanho) {
-    return mailq_submit(hora(T), chave(id), texto(tipo), chave(remetente), texto(tamanho));
+    Corrida& c = corrida();
+    return c.mailq_submit(c.hora(T), chave(id), texto(tipo), chave(remetente), texto(tamanho));
 }
 int LogMailFileParser::handle_MAILQ_OK(const char* T, const char* id, const char* destinatario) {
-    return mailq_ok(hora(T), chave(id), chave(destinatario));
+    Corrida& c = corrida();
+    return c.mailq_ok(c.hora(T), chave(id), chave(destinatario));
 }
 int LogMailFileParser::handle_MAILQ_END(const char* T, const char* id) {
-    return mailq_end(hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.mailq_end(c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
-    return deliver(hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.deliver(c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
-    return smtp_ok(hora(T), chave(id), chave(destinatario));
+    Corrida& c = corrida();
+    return c.smtp_ok(c.hora(T), chave(id), chave(destinatario));
 }
 int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
-    return smtp_end(hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.smtp_end(c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id, const char* t) {
-    return erro(ERROR_CONNECT, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_CONNECT, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id, const char* t) {
-    return erro(ERROR_SENDER, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_SENDER, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_DEST(const char* T, const char* id, const char* t) {
-    return erro(ERROR_DEST, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_DEST, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id, const char* t) {
-    return erro(ERROR_FINAL, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_FINAL, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_DATA(const char* T, const char* id) {
-    return erro(ERROR_DATA, hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.erro(ERROR_DATA, c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_HELO(const char* T, const char* id, const char* t) {
-    return erro(ERROR_HELO, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_HELO, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id) {
-    return erro(ERROR_SIZE, hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.erro(ERROR_SIZE, c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id, const char* t) {
-    return erro(ERROR_DOMAIN, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(ERROR_DOMAIN, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id, const char* t) {
-    return erro(RETRY_DEST, hora(T), chave(id), texto(t));
+    Corrida& c = corrida();
+    return c.erro(RETRY_DEST, c.hora(T), chave(id), texto(t));
 }
 int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
-    return spam(hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.spam(c.hora(T), chave(id));
 }
 int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
-    return virus(hora(T), chave(id));
+    Corrida& c = corrida();
+    return c.virus(c.hora(T), chave(id));
 }

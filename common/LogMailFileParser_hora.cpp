@@ -1,16 +1,13 @@
 // Messages by hour of the day: from compact lines for all users, from statistics files for one.
-#include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_relatos.h"
 #include "misc/numero.h"
 
 int LogMailFileParser::get_msgs_per_hour(long start, long end, DList<MsgsData>* m_hour) {
-    if (start > end || !m_hour) {
-        traco("LogMailFileParser::get_msgs_per_hour : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (start > end || !m_hour)
+        return recusa("LogMailFileParser::get_msgs_per_hour : Params inv\xE1lidos.\r\n");
     params p{};
     p.m_hour = m_hour;
-    replay({data_dir, diario::compacto, start, end}, start, end, MSGS_PER_HOUR, &p);
+    relatos_->replay({data_dir, diario::compacto, start, end}, start, end, MSGS_PER_HOUR, &p);
     return 1;
 }
 
@@ -18,18 +15,16 @@ int LogMailFileParser::get_msgs_per_hour_per_user(long start, long end, const ch
                                                   DList<MsgsData>* m_hour) {
     if (start > end || !user) {
         // The text of the report by day: whoever reads the trace looks for it here too.
-        traco("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
-        return 0;
+        return recusa("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
     }
-    le_estatisticas({data_dir, diario::estatistica, start, end}, nullptr, nullptr, m_hour, user);
+    relatos_->le_estatisticas({data_dir, diario::estatistica, start, end}, nullptr, nullptr, m_hour,
+                              user);
     return 1;
 }
 
-int LogMailFileParser::hora_submit(MsgsData* hora, const Campos& c) {
-    if (!hora || !c.texto) {
-        traco("LogMailFileParser::msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::hora_submit(MsgsData* hora, const Campos& c) {
+    if (!hora || !c.texto)
+        return recusa("LogMailFileParser::msgs_per_hour_handle_SUBMIT : Params inv\xE1lidos.\r\n");
     if (c.n < 7) return 0;
     Trabalho* m = trabalhos_.novo(c.id, c[5]);
     m->int_user = getUserType(c[4]) == INTERNO;
@@ -39,11 +34,9 @@ int LogMailFileParser::hora_submit(MsgsData* hora, const Campos& c) {
 
 // A message whose submission was not seen is not counted. No event blocks attachments yet. A spam
 // or virus message counts here for the second time.
-int LogMailFileParser::hora_end(MsgsData* hora, const Campos& c) {
-    if (!hora || !c.texto || c.n < 4) {
-        traco("LogMailFileParser::msgs_per_hour_handle_END : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::hora_end(MsgsData* hora, const Campos& c) {
+    if (!hora || !c.texto || c.n < 4)
+        return recusa("LogMailFileParser::msgs_per_hour_handle_END : Params inv\xE1lidos.\r\n");
     const Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
     const bool falhou = m->error || m->fatal_error;
@@ -60,30 +53,27 @@ int LogMailFileParser::hora_end(MsgsData* hora, const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::hora_erro(MsgsData* hora, const Campos& c) {
-    if (!hora || c.n < 4) {
-        traco("LogMailFileParser::msgs_per_hour_handle_ERROR : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::hora_erro(MsgsData* hora, const Campos& c) {
+    if (!hora || c.n < 4)
+        return recusa("LogMailFileParser::msgs_per_hour_handle_ERROR : Params inv\xE1lidos.\r\n");
     trabalhos_.acha_ou_novo(c.id)->error = true;
     return 1;
 }
 
-int LogMailFileParser::hora_virus(MsgsData* hora, const Campos& c) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
-        return 0;
-    }
+int Relatos::hora_virus(MsgsData* hora, const Campos& c) {
+    if (c.n <= 3)
+        return recusa(
+            "LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
     trabalhos_.acha_ou_novo(c.id)->virus = true;
     ++hora->virus;
     return 1;
 }
 
-int LogMailFileParser::hora_spam(MsgsData* hora, const Campos& c) {
+int Relatos::hora_spam(MsgsData* hora, const Campos& c) {
     if (c.n <= 3) {
         // Under the other event's name, as the traces have always said it.
-        traco("LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
-        return 0;
+        return recusa(
+            "LogMailFileParser::msgs_per_hour_handle_VIRUS : linha do log mal formada\r\n");
     }
     trabalhos_.acha_ou_novo(c.id)->spam = true;
     ++hora->spam;
@@ -93,25 +83,24 @@ int LogMailFileParser::hora_spam(MsgsData* hora, const Campos& c) {
 // --- The public handlers.
 
 int LogMailFileParser::msgs_per_hour_handle_SUBMIT(long, MsgsData* hora, char** campos, int n) {
-    return hora_submit(hora, {campos, n, id_de(campos, n)});
+    return relatos_->hora_submit(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_DELIVER(long t, MsgsData* hora, const char* id) {
     if (t != 0 && hora && id) return 1;
-    traco("LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
-    return 0;
+    return recusa("LogMailFileParser::msgs_per_hour_handle_DELIVER : Params inv\xE1lidos.\r\n");
 }
 int LogMailFileParser::msgs_per_hour_handle_OK(long, const char*, MsgsData*, char**, int) {
     return 1;
 }
 int LogMailFileParser::msgs_per_hour_handle_END(MsgsData* hora, const char*, char** campos, int n) {
-    return hora_end(hora, {campos, n, id_de(campos, n)});
+    return relatos_->hora_end(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_ERROR(long, MsgsData* hora, char** campos, int n) {
-    return hora_erro(hora, {campos, n, id_de(campos, n)});
+    return relatos_->hora_erro(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_VIRUS(long, MsgsData* hora, char** campos, int n) {
-    return hora_virus(hora, {campos, n, id_de(campos, n)});
+    return relatos_->hora_virus(hora, campos_de(campos, n));
 }
 int LogMailFileParser::msgs_per_hour_handle_SPAM(long, MsgsData* hora, char** campos, int n) {
-    return hora_spam(hora, {campos, n, id_de(campos, n)});
+    return relatos_->hora_spam(hora, campos_de(campos, n));
 }

@@ -2,8 +2,7 @@
 #include <cstring>
 #include <unordered_map>
 
-#include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_relatos.h"
 
 namespace {
 
@@ -29,8 +28,8 @@ MsgsData* nova_contagem(DList<MsgsData>* lista, time_t timestamp) {
 }  // namespace
 
 // One reading of the statistics files of a range; each way of reading takes one open file.
-struct LogMailFileParser::LeituraEstatistica {
-    LogMailFileParser& p;
+struct Relatos::LeituraEstatistica {
+    Relatos& r;
     LeitorLinhas leitor{};
     char linha[maior_linha + 1] = {};
     std::string nome{};
@@ -50,7 +49,7 @@ struct LogMailFileParser::LeituraEstatistica {
     MsgsDayUser* pedido() {
         if (nome.empty()) return nullptr;
         auto u = usuarios.find(nome);
-        if (u == usuarios.end() && p.corta_dominio_local(nome)) u = usuarios.find(nome);
+        if (u == usuarios.end() && r.corta_dominio_local(nome)) u = usuarios.find(nome);
         return u == usuarios.end() ? nullptr : u->second;
     }
 
@@ -70,7 +69,7 @@ struct LogMailFileParser::LeituraEstatistica {
 
     bool e_do_usuario(const char* user) {
         if (nome.empty()) return false;
-        return nome == user || (p.corta_dominio_local(nome) && nome == user);
+        return nome == user || (r.corta_dominio_local(nome) && nome == user);
     }
 
     void por_hora(DList<MsgsData>* m_hour, const char* user) {
@@ -95,9 +94,10 @@ struct LogMailFileParser::LeituraEstatistica {
 
 // Cuts the address to the part before "@" when what follows is a local domain. Otherwise false, and
 // nothing is changed.
-bool LogMailFileParser::corta_dominio_local(std::string& endereco) {
+bool Relatos::corta_dominio_local(std::string& endereco) {
     const auto arroba = endereco.find('@');
-    if (arroba == std::string::npos || !procurar_dominio(&domains, endereco.c_str() + arroba + 1))
+    if (arroba == std::string::npos ||
+        !procurar_dominio(&p_.domains, endereco.c_str() + arroba + 1))
         return false;
     endereco.resize(arroba);
     return true;
@@ -116,28 +116,24 @@ void LogMailFileParser::getFiles(InputFiles* files, const char* prefix, time_t s
 
 bool LogMailFileParser::get_msgs_per_day(time_t start, time_t end, DList<MsgsData>* m_day,
                                          DList<MsgsDayUser>* msgs_day_user) {
-    if (start > end) {
-        traco("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
-        return false;
-    }
-    return le_estatisticas({data_dir, diario::estatistica, start, end}, m_day, msgs_day_user,
-                           nullptr, nullptr);
+    if (start > end)
+        return recusa("LogMailFileParser::get_msgs_per_day : Data inicial > data final\r\n");
+    return relatos_->le_estatisticas({data_dir, diario::estatistica, start, end}, m_day,
+                                     msgs_day_user, nullptr, nullptr);
 }
 
 bool LogMailFileParser::parse_consolid_files(InputFiles* files, time_t start, time_t end,
                                              DList<MsgsData>* m_day,
                                              DList<MsgsDayUser>* msgs_day_user,
                                              DList<MsgsData>* m_hour, char* user) {
-    if (!files || start > end) {
-        traco("LogMailFileParser::parse_consolid_files : Params. inv\xE1lidos.\r\n");
-        return false;
-    }
-    return le_estatisticas({files, start, end}, m_day, msgs_day_user, m_hour, user);
+    if (!files || start > end)
+        return recusa("LogMailFileParser::parse_consolid_files : Params. inv\xE1lidos.\r\n");
+    return relatos_->le_estatisticas({files, start, end}, m_day, msgs_day_user, m_hour, user);
 }
 
-bool LogMailFileParser::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
-                                        DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
-                                        const char* user) {
+bool Relatos::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
+                              DList<MsgsDayUser>* msgs_day_user, DList<MsgsData>* m_hour,
+                              const char* user) {
     LeituraEstatistica leitura{*this};
     if (msgs_day_user) leitura.indexa(msgs_day_user);
     // For totals only the first line is read.
@@ -145,7 +141,7 @@ bool LogMailFileParser::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_da
     while (dias.proximo()) {
         const Stream f = dias.abre();
         if (!f) {
-            traco("LogMailFileParser::parse_consolid_files : Erro ao abrir %s\r\n", dias.path());
+            p_.traco("LogMailFileParser::parse_consolid_files : Erro ao abrir %s\r\n", dias.path());
             continue;
         }
         leitura.leitor.abre(fileno(f.get()), bloco);

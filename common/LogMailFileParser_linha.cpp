@@ -1,14 +1,13 @@
 // parser(): one dispatcher line split, classified and handed to its handler.
 #include <array>
-#include <charconv>
 #include <cstring>
 
-#include "common/LogMailFileParser.h"
+#include "common/LogMailFileParser_corrida.h"
 
 namespace {
 
-using P = LogMailFileParser;
-using Acao = void (*)(P&, const Evento& e);
+using C = Corrida;
+using Acao = void (*)(C&, const Evento& e);
 
 struct Regra {
     Agent agente;
@@ -18,69 +17,61 @@ struct Regra {
 
 using Tabela_de_acoes = std::array<std::array<Acao, num_status>, num_agents>;
 
-void nada(P&, const Evento&) {}
+void nada(C&, const Evento&) {}
 
 }  // namespace
 
 // What is done with each kind of event.
-struct LogMailFileParser::Despacho {
+struct Corrida::Despacho {
     // A handler of the message that word 3 names: with nothing else, or with the address.
     template <auto handler>
-    static void so_id(P& p, const Evento& e) {
-        (p.*handler)(p.hora_, e.id());
+    static void so_id(C& c, const Evento& e) {
+        (c.*handler)(c.hora_, e.id());
     }
     template <auto handler>
-    static void com_endereco(P& p, const Evento& e) {
-        (p.*handler)(p.hora_, e.id(), e.endereco());
+    static void com_endereco(C& c, const Evento& e) {
+        (c.*handler)(c.hora_, e.id(), e.endereco());
     }
     template <Status status, int... palavra>
-    static void erro(P& p, const Evento& e) {
-        p.erro(status, p.hora_, e.id(), e.palavra(palavra)...);
+    static void erro(C& c, const Evento& e) {
+        c.erro(status, c.hora_, e.id(), e.palavra(palavra)...);
     }
 
     // The event is not understood: the raw line from a column on is all that is kept of it.
     template <Agent agente, std::size_t coluna>
-    static void copia(P& p, const Evento&) {
-        const char* resto = p.resto_da_linha(coluna);
-        const std::size_t n = std::strlen(resto);
-        if (!p.compact_logfile) return;
-        Linha(p.compact_logfile, p.hora_.hexa.size() + Linha::maior_numero + 2 + n)
-            .texto(p.hora_.hexa)
-            .letra(' ')
-            .numero(agente)
-            .letra(' ')
-            .texto({resto, n})
-            .termina();
+    static void copia(C& c, const Evento&) {
+        if (c.p_.compact_logfile)
+            compacta::copia(c.p_.compact_logfile, c.hora_.hexa, agente, c.resto_da_linha(coluna));
     }
 
-    static void desconhecido(P& p, const Evento& e) {
-        copia<AGENT_UNKNOWN, 35>(p, e);
-        p.traco("LogMailFileParser::parser : Falha no PARSER, linha = \"%s\"", p.osBuf.lbuf);
+    static void desconhecido(C& c, const Evento& e) {
+        copia<AGENT_UNKNOWN, 35>(c, e);
+        c.p_.traco("LogMailFileParser::parser : Falha no PARSER, linha = \"%s\"", c.p_.osBuf.lbuf);
     }
 
     // A bounce has no sender: the words behind it move up by one.
-    static void submit(P& p, const Evento& e) {
+    static void submit(C& c, const Evento& e) {
         const bool sem_remetente = e.palavra(7) == "com";
-        p.mailq_submit(p.hora_, e.id(), e.palavra(5), sem_remetente ? Chave("") : e.endereco(),
+        c.mailq_submit(c.hora_, e.id(), e.palavra(5), sem_remetente ? Chave("") : e.endereco(),
                        sem_remetente ? e.palavra(8) : e.palavra(9));
     }
 
     // Here the id is word 4.
-    static void spam_da_fila(P& p, const Evento& e) {
+    static void spam_da_fila(C& c, const Evento& e) {
         const Texto id = e.palavra(4);
-        p.spam(p.hora_, id.data() ? Chave(id.data(), id.size()) : Chave());
+        c.spam(c.hora_, id.data() ? Chave(id.data(), id.size()) : Chave());
     }
 
-    static void dominio(P& p, const Evento& e) {
-        if (e.palavra(4) == "Dominio") p.erro(ERROR_DOMAIN, p.hora_, e.id(), e.palavra(5));
+    static void dominio(C& c, const Evento& e) {
+        if (e.palavra(4) == "Dominio") c.erro(ERROR_DOMAIN, c.hora_, e.id(), e.palavra(5));
     }
 
-    static void final(P& p, const Evento& e) {
-        p.erro(ERROR_FINAL, p.hora_, e.id(), p.resto_da_linha(71));
+    static void final(C& c, const Evento& e) {
+        c.erro(ERROR_FINAL, c.hora_, e.id(), c.resto_da_linha(71));
     }
 
-    static void leitura(P& p, const Evento& e) {
-        p.registra("", POPSRV, READ, p.hora_, {e.id().texto ? Texto(e.id()) : "(null)"});
+    static void leitura(C& c, const Evento& e) {
+        c.registra("", POPSRV, READ, c.hora_, {e.id().texto ? Texto(e.id()) : "(null)"});
     }
 
     static constexpr Tabela_de_acoes tabela() {
@@ -90,14 +81,14 @@ struct LogMailFileParser::Despacho {
         };
         constexpr Regra regras[] = {
             {MAILQ, SUBMIT, submit},
-            {MAILQ, DELIVER, so_id<&P::deliver>},
-            {MAILQ, OK, com_endereco<&P::mailq_ok>},
-            {MAILQ, END, so_id<&P::mailq_end>},
+            {MAILQ, DELIVER, so_id<&C::deliver>},
+            {MAILQ, OK, com_endereco<&C::mailq_ok>},
+            {MAILQ, END, so_id<&C::mailq_end>},
             {MAILQ, SPAM, spam_da_fila},
-            {MAILSMTP, OK, com_endereco<&P::smtp_ok>},
-            {MAILSMTP, END, so_id<&P::smtp_end>},
+            {MAILSMTP, OK, com_endereco<&C::smtp_ok>},
+            {MAILSMTP, END, so_id<&C::smtp_end>},
             {MAILSMTP, ERROR_CONNECT, erro<ERROR_CONNECT, 6>},
-            {MAILSMTP, DELIVER, so_id<&P::deliver>},
+            {MAILSMTP, DELIVER, so_id<&C::deliver>},
             {MAILSMTP, ERROR_SENDER, erro<ERROR_SENDER, 8>},
             {MAILSMTP, ERROR_DEST, erro<ERROR_DEST, 5>},
             {MAILSMTP, ERROR_DOMAIN, dominio},
@@ -106,11 +97,11 @@ struct LogMailFileParser::Despacho {
             {MAILSMTP, ERROR_DATA, erro<ERROR_DATA>},
             {MAILSMTP, ERROR_FINAL, final},
             {POPSRV, READ, leitura},
-            {ANTIVIRUS, VIRUS, so_id<&P::virus>},
-            {SPAMCATCHER, COPY, so_id<&P::spam>},
-            {SPAMCATCHER, TAGGED, so_id<&P::spam>},
-            {SPAMCATCHER, QUARANTINE, so_id<&P::spam>},
-            {SPAMCATCHER, DISCARD, so_id<&P::spam>},
+            {ANTIVIRUS, VIRUS, so_id<&C::virus>},
+            {SPAMCATCHER, COPY, so_id<&C::spam>},
+            {SPAMCATCHER, TAGGED, so_id<&C::spam>},
+            {SPAMCATCHER, QUARANTINE, so_id<&C::spam>},
+            {SPAMCATCHER, DISCARD, so_id<&C::spam>},
         };
         Tabela_de_acoes t{};
         for (std::size_t a = 0; a < num_agents; ++a) t[a].fill(outros[a]);
@@ -125,50 +116,57 @@ struct LogMailFileParser::Despacho {
     }
 };
 
-void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
+void Corrida::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
     static_assert(LeitorLinhas::folga >= Evento::folga);
-    if (!lote_) lote_ = std::make_unique_for_overwrite<Evento[]>(maior_lote);
+    if (!lote_) lote_ = std::make_unique_for_overwrite<Evento[]>(LogMailFileParser::maior_lote);
     for (std::size_t i = 0; i < n; ++i) {
         Evento& e = lote_[i];
         e.separa(linhas[i].inicio, linhas[i].tamanho);
-        if (e.id().texto) Lista_msg.antecipa(e.id().hash);
-        if (e.usuario()) Lista_usu.antecipa(e.endereco().hash);
+        if (e.id().texto) p_.Lista_msg.antecipa(e.id().hash);
+        if (e.usuario()) p_.Lista_usu.antecipa(e.endereco().hash);
     }
     // Users only: most messages of these lines were used a moment ago, so that fetching them would
     // cost more than it saves.
-    const Usuario* usuarios[maior_lote];
+    const Usuario* usuarios[LogMailFileParser::maior_lote];
     std::size_t num_usuarios = 0;
     for (std::size_t i = 0; i < n; ++i)
         if (lote_[i].usuario())
-            if (const Usuario* u = Lista_usu.provavel(lote_[i].endereco().hash))
+            if (const Usuario* u = p_.Lista_usu.provavel(lote_[i].endereco().hash))
                 __builtin_prefetch(usuarios[num_usuarios++] = u);
-    for (std::size_t i = 0; i < num_usuarios; ++i) usuarios[i]->busca(last_period);
+    for (std::size_t i = 0; i < num_usuarios; ++i) usuarios[i]->busca(p_.last_period);
 }
 
-int LogMailFileParser::parser() {
-    const int i = lote_ ? posicao_no_lote() : -1;
+void Corrida::linha() {
+    const int i = lote_ ? p_.posicao_no_lote() : -1;
     if (i >= 0) {
         despacha(lote_[static_cast<std::size_t>(i)]);
     } else {
         Evento e;
-        e.separa(osBuf.lbuf, sizeof osBuf.lbuf - Evento::folga);
+        e.separa(p_.osBuf.lbuf, sizeof p_.osBuf.lbuf - Evento::folga);
         despacha(e);
     }
-    return 1;
 }
 
-void LogMailFileParser::despacha(const Evento& e) {
+void Corrida::despacha(const Evento& e) {
     static constexpr Tabela_de_acoes tabela = Despacho::tabela();
 
-    const time_t t = hora_do_registro();
-    if (t != hora_.t || hora_.hexa.empty()) {
-        const char* fim = std::to_chars(T_, std::end(T_), static_cast<std::uint32_t>(t), 16).ptr;
-        hora_ = {t, {T_, fim}};
-    }
+    const time_t t = p_.hora_do_registro();
+    if (t != hora_.t || hora_.hexa.empty()) hora_ = {t, compacta::escreve_hora(hexa_, t)};
     tabela[e.agente()][e.status()](*this, e);
 }
 
 // The raw line from a column on, with its own line end; a line feed when nothing stands there.
-const char* LogMailFileParser::resto_da_linha(std::size_t coluna) const {
-    return strnlen(osBuf.lbuf, coluna + 1) > coluna ? osBuf.lbuf + coluna : "\n";
+const char* Corrida::resto_da_linha(std::size_t coluna) const {
+    return strnlen(p_.osBuf.lbuf, coluna + 1) > coluna ? p_.osBuf.lbuf + coluna : "\n";
+}
+
+// --- The public functions.
+
+void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
+    corrida().antecipa(linhas, n);
+}
+
+int LogMailFileParser::parser() {
+    corrida().linha();
+    return 1;
 }

@@ -3,7 +3,8 @@
 
 #include <algorithm>
 
-#include "common/LogMailFileParser.h"
+#include "common/LogMailFileParser_corrida.h"
+#include "misc/escrita.h"
 #include "misc/ncutils.h"
 
 void LogMailFileParser::set_sfile_num_periods(unsigned n) {
@@ -75,8 +76,9 @@ bool LogMailFileParser::sincroniza_mes() {
 bool LogMailFileParser::createFiles() {
     fecha(compact_logfile);
     calculatePeriodLimits();
-    sem_compacto_ = !createFile(&compact_logfile, compact_fname_prefix);
-    if (sem_compacto_) return false;
+    bool& sem_compacto = corrida().sem_compacto;
+    sem_compacto = !createFile(&compact_logfile, compact_fname_prefix);
+    if (sem_compacto) return false;
     MemoriaDeStream::empresta(compact_logfile);
     return true;
 }

@@ -2,8 +2,7 @@
 #include <cstdarg>
 #include <cstring>
 
-#include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_relatos.h"
 #include "misc/numero.h"
 
 namespace {
@@ -29,26 +28,49 @@ void acrescenta(Msg* m, long t, const std::string& frase) {
     m->str_error = std::string(m->str_error) + data + frase;
 }
 
+// What an error adds to the message's text, if so much room is left in it: the sentence and its
+// margin. The margins differ, and one is too small for the date in front: then the text is cut.
+// Pages have always shown it so.
+struct Frase {
+    ErrorType tipo;
+    const char* antes;
+    const char* depois = "";
+    bool com_detalhe = false;  // for lines with a field 4, which is told between the two
+    std::ptrdiff_t margem = 0;
+};
+constexpr std::ptrdiff_t sempre = -std::ptrdiff_t{TextoErro::capacidade};  // whatever room is left
+
+// The first one that fits the line.
+constexpr Frase frases[] = {
+    {.tipo = etDATA,
+     .antes = "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n",
+     .margem = 50},
+    {.tipo = etSIZE, .antes = "A mensagem foi rejeitada (muito grande).\n"},
+    {.tipo = etSENDER,
+     .antes = "Mensagem rejeitada pelo relay ",
+     .depois = " remetente invalido.\n",
+     .com_detalhe = true,
+     .margem = 29},
+    {.tipo = etSENDER, .antes = "Mensagem rejeitada pelo relay.\n", .margem = sempre},
+};
+
 }  // namespace
 
 int LogMailFileParser::msg_trace(const char* msg_id, long start, long end, Msg* m) {
-    if (!msg_id || !m || start > end) {
-        traco("LogMailFileParser::msg_trace : Params. inv\xE1lidos.\r\n");
-        return 0;
-    }
+    if (!msg_id || !m || start > end)
+        return recusa("LogMailFileParser::msg_trace : Params. inv\xE1lidos.\r\n");
     params p{};
     p.m = m;
     p.msg_id = const_cast<char*>(msg_id);
-    replay({data_dir, diario::compacto, start, end}, start, end, MSGTRACE, &p);
+    relatos_->replay({data_dir, diario::compacto, start, end}, start, end, MSGTRACE, &p);
     return 1;
 }
 
 int LogMailFileParser::msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, char** campos,
                                                int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_SUBMIT: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_SUBMIT: N\xFAmeros de params. incorreto.\r\n");
     if (!e_dela(id, campos)) return 1;
     m->start_time = t;
     toma_id(m, campos[3]);
@@ -60,10 +82,9 @@ int LogMailFileParser::msg_trace_handle_SUBMIT(const char* id, long t, Msg* m, c
 
 int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinatario, long t, Msg* m,
                                            char** campos, int n) {
-    if (n < 5) {
-        traco("LogMailFileParser::msg_trace_handle_OK: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 5)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_OK: N\xFAmeros de params. incorreto.\r\n");
     if (e_dela(id, campos)) {
         if (RCPTO* r = procurar_recipient(&m->recipients, destinatario)) {
             // A recipient who was refused before gets an empty text, not that of a delivery.
@@ -82,11 +103,9 @@ int LogMailFileParser::msg_trace_handle_OK(const char* id, const char* destinata
 
 int LogMailFileParser::msg_trace_handle_ERROR_DEST(const char* id, const char* destinatario, long t,
                                                    Msg* m, char** campos, int n) {
-    if (n < 5) {
-        traco(
+    if (n < 5)
+        return recusa(
             "LogMailFileParser::msg_trace_handle_ERROR_DEST: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
     if (!e_dela(id, campos)) return 1;
     if (RCPTO* r = m->addRecipient(destinatario)) {
         r->last_time = t;
@@ -99,12 +118,10 @@ int LogMailFileParser::msg_trace_handle_ERROR_DEST(const char* id, const char* d
 
 int LogMailFileParser::msg_trace_handle_ERROR_FINAL(const char* id, long, Msg* m, char** campos,
                                                     int n) {
-    if (n < 4) {
-        traco(
+    if (n < 4)
+        return recusa(
             "LogMailFileParser::msg_trace_handle_ERROR_FINAL: N\xFAmeros de params. "
             "incorreto.\r\n");
-        return 0;
-    }
     if (!e_dela(id, campos)) return 1;
     std::string texto;
     std::size_t letras = 0;
@@ -122,50 +139,33 @@ int LogMailFileParser::msg_trace_handle_ERROR(const char* id, long t, Msg* m, ch
                                               ErrorType tipo) {
     // A line without an id applies to whatever message is traced.
     if (id && n > 3 && !e_dela(id, campos)) return 0;
-    const std::size_t sobra = TextoErro::capacidade - std::strlen(m->str_error);
     const char* detalhe = n > 4 ? campos[4] : nullptr;
-    switch (tipo) {
-        case etDATA: {
-            static const std::string frase =
-                "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n";
-            if (frase.size() + 50 < sobra) acrescenta(m, t, frase);
-            m->error = true;
-            break;
-        }
-        case etSIZE: {
-            static const std::string frase = "A mensagem foi rejeitada (muito grande).\n";
-            if (frase.size() < sobra) acrescenta(m, t, frase);
-            m->error = true;
-            break;
-        }
-        case etSENDER:
-            if (!detalhe)
-                acrescenta(m, t, "Mensagem rejeitada pelo relay.\n");
-            else if (std::strlen(detalhe) + 80 < sobra)
-                acrescenta(m, t,
-                           std::string("Mensagem rejeitada pelo relay ") + detalhe +
-                               " remetente invalido.\n");
-            m->error = true;
-            break;
-        case etCONNECT:
-            if (n > 5)
-                m->str_error = std::string("Erro contactando o dom\xEDnio ") + detalhe + ".";
-            else
-                m->str_error = "Erro contactando o dom\xEDnio de destino.";
-            // An error only if it is still pending at an END.
-            m->add_error(etCONNECT, detalhe);
-            break;
-        default:
-            break;
+    if (tipo == etCONNECT) {
+        if (n > 5)
+            m->str_error = std::string("Erro contactando o dom\xEDnio ") + detalhe + ".";
+        else
+            m->str_error = "Erro contactando o dom\xEDnio de destino.";
+        // An error only if it is still pending at an END.
+        m->add_error(etCONNECT, detalhe);
+        return 1;
+    }
+    for (const Frase& f : frases) {
+        if (f.tipo != tipo || (f.com_detalhe && !detalhe)) continue;
+        const std::string frase =
+            f.com_detalhe ? std::string(f.antes) + detalhe + f.depois : f.antes;
+        const auto sobra =
+            static_cast<std::ptrdiff_t>(TextoErro::capacidade - std::strlen(m->str_error));
+        if (std::ssize(frase) + f.margem < sobra) acrescenta(m, t, frase);
+        m->error = true;
+        return 1;
     }
     return 1;
 }
 
 int LogMailFileParser::msg_trace_handle_END(const char* id, long t, Msg* m, char** campos, int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_END: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_END: N\xFAmeros de params. incorreto.\r\n");
     if (e_dela(id, campos)) m->end_time = t;
     // At the END of any message: what is pending by then counts.
     if (m->error || m->fatal_error) return 1;
@@ -175,10 +175,9 @@ int LogMailFileParser::msg_trace_handle_END(const char* id, long t, Msg* m, char
 }
 
 int LogMailFileParser::msg_trace_handle_VIRUS(const char* id, long, Msg* m, char** campos, int n) {
-    if (n < 4) {
-        traco("LogMailFileParser::msg_trace_handle_VIRUS: N\xFAmeros de params. incorreto.\r\n");
-        return 0;
-    }
+    if (n < 4)
+        return recusa(
+            "LogMailFileParser::msg_trace_handle_VIRUS: N\xFAmeros de params. incorreto.\r\n");
     if (!e_dela(id, campos)) return 1;
     toma_id(m, campos[3]);
     m->virus = true;

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "common/LogMailFileParser.h"
-#include "common/auxiliar.h"
+#include "common/LogMailFileParser_relatos.h"
+#include "misc/escopo.h"
 #include "misc/numero.h"
 
 namespace {
@@ -44,15 +44,20 @@ bool cabe(std::uint32_t tamanho, unsigned min_kb, unsigned max_kb) {
            (max_kb == 0 || tamanho <= std::uint64_t{max_kb} * 1024);
 }
 
+params pedido(DList<UserMsgs>* msgs) {
+    params p{};
+    p.msgs = msgs;
+    return p;
+}
+
 params pedido(DList<Usuario>* remetentes, DList<Usuario>* destinatarios, unsigned min_kb,
               unsigned max_kb, const char* msg_id, DList<UserMsgs>* msgs) {
-    params p{};
+    params p = pedido(msgs);
     p.remetentes = remetentes;
     p.destinatarios = destinatarios;
     p.min_kb = min_kb;
     p.max_kb = max_kb;
     p.msg_id = const_cast<char*>(msg_id);
-    p.msgs = msgs;
     return p;
 }
 
@@ -70,7 +75,7 @@ void marca_erro(UserMsgs* linha, std::string_view texto) {
 }  // namespace
 
 // The rows of a list by id; of equal ids, the one nearest the head.
-struct LogMailFileParser::IndiceDeLinhas {
+struct Relatos::IndiceDeLinhas {
     const DList<UserMsgs>* lista;
     std::unordered_map<std::string_view, UserMsgs*, HashDeId> linhas;
 
@@ -86,12 +91,12 @@ struct LogMailFileParser::IndiceDeLinhas {
     void poe_na_frente(UserMsgs* u) { linhas[u->msg_id] = u; }
 };
 
-UserMsgs* LogMailFileParser::linha_de(DList<UserMsgs>* msgs, const Chave& id) {
+UserMsgs* Relatos::linha_de(DList<UserMsgs>* msgs, const Chave& id) {
     return indice_ && indice_->lista == msgs ? indice_->procura(id) : procurar_msg(msgs, id.texto);
 }
 
 // A new row at the front of the list.
-UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) {
+UserMsgs* Relatos::nova_linha(DList<UserMsgs>* msgs, const Chave& id) {
     UserMsgs* u = new UserMsgs{};
     std::memcpy(u->msg_id, id.texto, std::min(id.tamanho, sizeof u->msg_id - 1));
     msgs->putFirst(u);
@@ -99,32 +104,21 @@ UserMsgs* LogMailFileParser::nova_linha(DList<UserMsgs>* msgs, const Chave& id) 
     return u;
 }
 
-int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
-                                     const char* msg_id, int min_kb, int max_kb, long start,
-                                     long end, DList<UserMsgs>* msgs) {
-    if (!msgs || start > end) {
-        traco("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+void Relatos::mensagens(const char* destinatarios, const char* remetentes, const char* msg_id,
+                        int min_kb, int max_kb, long start, long end, DList<UserMsgs>* msgs) {
     Filtro de(remetentes), para(destinatarios);
     params p = pedido(de.lista(), para.lista(), static_cast<std::uint32_t>(min_kb),
                       static_cast<std::uint32_t>(max_kb), msg_id, msgs);
 
     IndiceDeLinhas indice(msgs);
-    struct Devolve {
-        IndiceDeLinhas*& indice;
-        ~Devolve() { indice = nullptr; }
-    } devolve{indice_};
-    indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `devolve` takes it back
-    replay({data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
-    return 1;
+    const AoSair fim([this] { indice_ = nullptr; });
+    indice_ = &indice;  // cppcheck-suppress danglingLifetime ; `fim` takes it back
+    replay({p_.data_dir, diario::compacto, start, end}, start, end, USERMSGS, &p);
 }
 
-int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
-    if (c.n <= 5) {
-        traco("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::user_submit(const params& q, const Campos& c) {
+    if (c.n <= 5)
+        return recusa("LogMailFileParser::user_msgs_handle_SUBMIT : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.novo(c.id, c[5]);
     if (c.n > 6) m->size = static_cast<std::uint32_t>(decimal32(c[6]));
     m->int_user = getUserType(c[4]) == INTERNO;
@@ -135,7 +129,7 @@ int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
         return 1;
     if (!cabe(m->size, q.min_kb, q.max_kb) || (q.msg_id && !e_o_pedido)) return 1;
     UserMsgs* u = nova_linha(q.msgs, c.id);
-    u->start_time = t;
+    u->start_time = c.t;
     u->size = m->size;
     u->enviada = 'S';
     u->int_user = m->int_user;
@@ -144,17 +138,15 @@ int LogMailFileParser::user_submit(const params& q, long t, const Campos& c) {
 }
 
 // The sender is in the list, by his address or, when its domain is local, by the part before it.
-bool LogMailFileParser::remetido(DList<Usuario>* remetentes, const char* endereco) {
+bool Relatos::remetido(DList<Usuario>* remetentes, const char* endereco) {
     if (procurar_usuario(remetentes, endereco, true)) return true;
     std::string local(endereco);
     return corta_dominio_local(local) && procurar_usuario(remetentes, local.c_str(), true);
 }
 
-int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
-    if (c.n <= 4) {
-        traco("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::user_ok(const params& q, const Campos& c) {
+    if (c.n <= 4)
+        return recusa("LogMailFileParser::user_msgs_handle_OK : Params inv\xE1lidos.\r\n");
     const bool e_o_pedido = q.msg_id && std::strcmp(q.msg_id, c[3]) == 0;
     if (!e_o_pedido && !(q.destinatarios && procurar_usuario(q.destinatarios, c[4], true)))
         return 1;
@@ -167,7 +159,7 @@ int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
     UserMsgs* u = linha_de(q.msgs, c.id);
     if (!u) u = nova_linha(q.msgs, c.id);
     if (m->sendername()) define_remetente(u, m->sendername());
-    u->start_time = t;
+    u->start_time = c.t;
     u->last_time = u->end_time = 0;
     u->size = m->size;
     u->error = m->error;
@@ -178,11 +170,9 @@ int LogMailFileParser::user_ok(const params& q, long t, const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_end(const Campos& c) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::user_end(const params&, const Campos& c) {
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_END : Params inv\xE1lidos.\r\n");
     Trabalho* m = trabalhos_.acha(c.id);
     if (!m) return 1;
     // A message without a fatal error counts as one with an error from here on: a later hour report
@@ -191,27 +181,23 @@ int LogMailFileParser::user_end(const Campos& c) {
     return 1;
 }
 
-int LogMailFileParser::user_virus(DList<UserMsgs>* msgs, const Campos& c) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
-        return 0;
-    }
+int Relatos::user_virus(const params& q, const Campos& c) {
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_VIRUS : Params inv\xE1lidos.\r\n");
     trabalhos_.acha_ou_novo(c.id)->virus = true;
-    if (UserMsgs* u = linha_de(msgs, c.id)) u->virus = true;
+    if (UserMsgs* u = linha_de(q.msgs, c.id)) u->virus = true;
     return 1;
 }
 
 // Nobody reads the pending errors and the refused recipients of a working record, so only what
 // shows is kept: the flags, and the row's text.
-int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorType tipo) {
-    if (c.n <= 3) {
-        traco("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
-        return 0;
-    }
+int Relatos::user_erro(const params& q, const Campos& c, ErrorType tipo) {
+    if (c.n <= 3)
+        return recusa("LogMailFileParser::user_msgs_handle_ERROR : linha do log mal formada\r\n");
     Trabalho* m = trabalhos_.acha_ou_novo(c.id);
     if (tipo == etHELO && c.n < 5) m->error = true;
     if (tipo == etSENDER) m->fatal_error = true;
-    UserMsgs* u = linha_de(msgs, c.id);
+    UserMsgs* u = linha_de(q.msgs, c.id);
     if (!u) return 1;
     const bool detalhado = c.n > 4;
     switch (tipo) {
@@ -243,28 +229,37 @@ int LogMailFileParser::user_erro(DList<UserMsgs>* msgs, const Campos& c, ErrorTy
     return 1;
 }
 
-// --- The public handlers.
+// --- The public functions.
+
+int LogMailFileParser::get_user_msgs(const char* destinatarios, const char* remetentes,
+                                     const char* msg_id, int min_kb, int max_kb, long start,
+                                     long end, DList<UserMsgs>* msgs) {
+    if (!msgs || start > end)
+        return recusa("LogMailFileParser::get_user_msgs : Params inv\xE1lidos.\r\n");
+    relatos_->mensagens(destinatarios, remetentes, msg_id, min_kb, max_kb, start, end, msgs);
+    return 1;
+}
 
 int LogMailFileParser::user_msgs_handle_SUBMIT(DList<Usuario>* remetentes,
                                                DList<Usuario>* destinatarios, unsigned min_kb,
                                                unsigned max_kb, const char* msg_id, long t,
                                                DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs), t,
-                       {campos, n, id_de(campos, n)});
+    return relatos_->user_submit(pedido(remetentes, destinatarios, min_kb, max_kb, msg_id, msgs),
+                                 campos_de(campos, n, t));
 }
 int LogMailFileParser::user_msgs_handle_OK(DList<Usuario>* destinatarios, unsigned min_kb,
                                            unsigned max_kb, const char* msg_id, long t,
                                            DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs), t,
-                   {campos, n, id_de(campos, n)});
+    return relatos_->user_ok(pedido(nullptr, destinatarios, min_kb, max_kb, msg_id, msgs),
+                             campos_de(campos, n, t));
 }
-int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>*, char** campos, int n) {
-    return user_end({campos, n, id_de(campos, n)});
+int LogMailFileParser::user_msgs_handle_END(long, DList<UserMsgs>* msgs, char** campos, int n) {
+    return relatos_->user_end(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_VIRUS(long, DList<UserMsgs>* msgs, char** campos, int n) {
-    return user_virus(msgs, {campos, n, id_de(campos, n)});
+    return relatos_->user_virus(pedido(msgs), campos_de(campos, n));
 }
 int LogMailFileParser::user_msgs_handle_ERROR(long, DList<UserMsgs>* msgs, char** campos, int n,
                                               ErrorType tipo) {
-    return user_erro(msgs, {campos, n, id_de(campos, n)}, tipo);
+    return relatos_->user_erro(pedido(msgs), campos_de(campos, n), tipo);
 }

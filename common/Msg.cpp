@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 static constinit thread_local Reserva reserva(sizeof(Msg));
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <ctime>
 
-#include "common/DList.h"
-#include "common/Tabela.h"
-#include "common/Texto.h"
+#include "misc/dlist.h"
+#include "misc/tabela.h"
+#include "misc/texto.h"
 
 class Usuario;
 

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "common/Arena.h"
-#include "common/Tabela.h"
+#include "misc/arena.h"
+#include "misc/tabela.h"
 
 // A message as the lines replayed so far tell it.
 struct Trabalho {

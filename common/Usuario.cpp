@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 static constinit thread_local Reserva reserva(sizeof(Usuario));
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "common/Contadores.h"
-#include "common/Tabela.h"
-#include "common/Texto.h"
+#include "misc/tabela.h"
+#include "misc/texto.h"
 
 // Selects one counter array.
 enum InfoType : std::int32_t {

@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <ctime>
 
-#include "common/DList.h"
 #include "common/Msg.h"
-#include "common/Tabela.h"
 #include "common/Usuario.h"
 #include "common/relatorio.h"
+#include "misc/dlist.h"
+#include "misc/tabela.h"
 
 // The program that wrote a line. The values stand in compact files.
 enum Agent : std::int32_t {

@@ -1,11 +1,36 @@
-// Reading compact lines fast.
+// The lines of a compact file: writing them, and reading them fast.
 #include "common/compacta.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <limits>
 
-#include "common/auxiliar.h"
+#include "misc/escrita.h"
+
+namespace compacta {
+
+std::string_view escreve_hora(char (&texto)[maior_hora], time_t t) {
+    return {texto, std::to_chars(texto, std::end(texto), static_cast<std::uint32_t>(t), 16).ptr};
+}
+
+void escreve(std::FILE* f, std::string_view hora, Agent agente, Status status,
+             std::initializer_list<std::string_view> campos, bool fim) {
+    std::size_t maior = hora.size() + 2 * Escrita::maior_numero + campos.size() + 3;
+    for (const std::string_view campo : campos) maior += campo.size();
+    Escrita linha(f, maior);
+    linha.texto(hora).letra(' ').numero(agente).letra(' ').numero(status);
+    for (const std::string_view campo : campos) linha.letra(' ').texto(campo);
+    if (fim) linha.letra('\n');
+    linha.termina();
+}
+
+void copia(std::FILE* f, std::string_view hora, Agent agente, std::string_view resto) {
+    Escrita linha(f, hora.size() + Escrita::maior_numero + 2 + resto.size());
+    linha.texto(hora).letra(' ').numero(agente).letra(' ').texto(resto).termina();
+}
+
+}  // namespace compacta
 
 bool LeitorDeCabecas::converte(const char* digitos) {
     std::uint32_t t;
@@ -44,14 +69,13 @@ inline bool Crivo::nomeia(const char* id, const char* fim) const {
     return false;
 }
 
-inline bool Crivo::importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const {
-    Cabeca c;
-    if (!cabecas.le(linha, n, c) || c.t > fim_) return true;
-    if (ve_end_ && c.status == END) return true;
-    const char *id = linha + c.id, *fim = linha + n;
+inline bool Crivo::importa(Linha& l, LeitorDeCabecas& cabecas) const {
+    if (!cabecas.le(l) || l.t > fim_) return true;
+    if (ve_end_ && l.status == END) return true;
+    const char *id = l.texto + l.id, *fim = l.texto + l.tamanho;
     if (id_.igual(id, fim)) return true;
     // The status is compared last: the name hardly ever matches, but half of the lines are an OK.
-    return !pendentes_.empty() && nomeia(id, fim) && c.status == OK;
+    return !pendentes_.empty() && nomeia(id, fim) && l.status == OK;
 }
 
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
@@ -63,17 +87,14 @@ std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) 
             finais_.acha(p + base, std::min(n - base, FinaisDeLinha::maior));
         for (std::size_t i = 0; i < achados; ++i) {
             const std::size_t fim = base + finais_[i] + 1;
-            if (fim - inicio > maior_linha || importa(p + inicio, fim - inicio, cabecas))
-                return inicio;
+            Linha l;
+            l.texto = p + inicio;
+            l.tamanho = fim - inicio;
+            if (l.tamanho > maior_linha || importa(l, cabecas)) return inicio;
             inicio = fim;
         }
         if (achados == 0) return inicio;
     }
-}
-
-void LeitorCompacto::abre(int fd) {
-    leitor_.abre(fd);
-    lidas_ = tomadas_ = 0;
 }
 
 void LeitorCompacto::passa(Crivo& crivo) {
@@ -82,30 +103,30 @@ void LeitorCompacto::passa(Crivo& crivo) {
     leitor_.pula(crivo.sobra(lidos, quantos, maior_linha));
 }
 
-bool LeitorCompacto::le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]) {
-    LeitorLinhas::Trecho trechos[maior_lote];
-    const std::size_t lidas = leitor_.varias(trechos, so_uma ? 1 : maior_lote, maior_linha);
+const Lote* LeitorCompacto::le_lote(std::size_t maior, const Statuses& serve) {
+    LeitorLinhas::Trecho trechos[Lote::maior];
+    const std::size_t lidas = leitor_.varias(trechos, maior, maior_linha);
+    if (lidas == 0) return nullptr;
     time_t primeira = std::numeric_limits<time_t>::max(), ultima = 0;
     std::size_t i = 0, servem = 0;
     for (; i < lidas; ++i) {
-        Linha& l = linhas_[i];
+        Linha& l = lote_.linhas[i];
         l.texto = trechos[i].inicio;
         l.tamanho = trechos[i].tamanho;
-        l.usual = cabecas_.le(l.texto, l.tamanho, l.cabeca);
+        l.usual = cabecas_.le(l);
         if (!l.usual) break;
-        primeira = std::min(primeira, l.cabeca.t);
-        ultima = std::max(ultima, l.cabeca.t);
-        quais_servem_[servem] = static_cast<std::uint8_t>(i);
-        servem += serve[l.cabeca.status];
+        primeira = std::min(primeira, l.t);
+        ultima = std::max(ultima, l.t);
+        lote_.quais_servem[servem] = static_cast<std::uint8_t>(i);
+        servem += serve[l.status];
     }
-    usuais_ = i != 0;
-    lidas_ = i == 0 && lidas != 0 ? 1 : i;
-    tomadas_ = 0;
-    if (lidas_ < lidas) leitor_.devolve(trechos[lidas_]);
-    primeira_ = primeira;
-    ultima_ = ultima;
-    servem_ = servem;
-    return lidas_ != 0;
+    lote_.usuais = i != 0;
+    lote_.n = std::max<std::size_t>(i, 1);
+    lote_.primeira = primeira;
+    lote_.ultima = ultima;
+    lote_.servem = servem;
+    if (lote_.n < lidas) leitor_.devolve(trechos[lote_.n]);
+    return &lote_;
 }
 
 char* LeitorCompacto::copia(const Linha& linha) {
@@ -114,31 +135,32 @@ char* LeitorCompacto::copia(const Linha& linha) {
     return copia_;
 }
 
-void LeitorCompacto::separa(const Linha& linha, Partes& p) {
-    p.linha = &linha;
-    p.id = Chave();
-    const std::size_t fim = linha.tamanho - 1;
-    if (fim >= Cortes::maior || linha.texto[fim] != '\n') return;
-    Cortes cortes = copia_palavras(p.texto, linha.texto);
-    cortes.limita(fim);
-    p.inicios[0] = 0;
-    p.campos = 1;
-    // A line with another control than its end may mean something else.
-    const bool brancos = cortes.para_cada([&](std::size_t i) {
-        p.inicios[p.campos++] = static_cast<std::uint8_t>(i + 1);
-        return linha.texto[i] == ' ';
-    });
-    if (!brancos) return;
-    p.inicios[p.campos] = static_cast<std::uint8_t>(fim + 1);
-    p.id = Chave(p.texto + p.inicios[3], static_cast<std::size_t>(p.inicios[4] - p.inicios[3] - 1));
+long LeitorCompacto::hora(const Linha& linha) {
+    return strhex_to_time(copia(linha));
 }
 
-int LeitorCompacto::campos(Partes& p, char** campos) {
-    if (!p.id.texto) {
-        const int n = reparte(copia(*p.linha), ' ', campos);
-        if (n > 3) p.id = Chave(campos[3]);
-        return n;
-    }
-    for (int i = 0; i < p.campos; ++i) campos[i] = p.texto + p.inicios[i];
-    return p.campos;
+Campos LeitorCompacto::separa(const Linha& linha, Lugar& lugar) {
+    constexpr Campos sem_textos{};
+    const std::size_t fim = linha.tamanho - 1;
+    if (fim >= Cortes::maior || linha.texto[fim] != '\n') return sem_textos;
+    Cortes cortes = copia_palavras(lugar.texto, linha.texto);
+    cortes.limita(fim);
+    int n = 0;
+    lugar.campos[n++] = lugar.texto;
+    // A line with another control than its end may mean something else.
+    const bool brancos = cortes.para_cada([&](std::size_t i) {
+        if (n == Lugar::maior) return false;
+        lugar.campos[n++] = lugar.texto + i + 1;
+        return linha.texto[i] == ' ';
+    });
+    if (!brancos) return sem_textos;
+    const char* const id = lugar.campos[3];
+    const char* const fim_do_id = n > 4 ? lugar.campos[4] - 1 : lugar.texto + fim;
+    return {lugar.campos, n, Chave(id, static_cast<std::size_t>(fim_do_id - id)), linha.t};
+}
+
+Campos LeitorCompacto::reparte(const Linha& linha) {
+    const int n = ::reparte(copia(linha), ' ', campos_);
+    const long t = linha.usual ? linha.t : n > 0 ? strhex_to_time(campos_[0]) : 0;
+    return campos_de(campos_, n, t);
 }

@@ -1,29 +1,78 @@
-// Reading compact lines fast: the head of a usual line, and the lines that cannot matter to a
-// trace.
+// The lines of a compact file: writing them, and reading them fast.
+//
+//     69b2e5ad 1 1 69B2E5AD84A29FEC SMTPCONNINT ana@matriz.example 2969
+//     time     | | id               and what else the event tells
+//              | status
+//              agent
 #pragma once
 
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
+#include <string_view>
 #include <vector>
 
-#include "common/Tabela.h"
+#include "common/auxiliar.h"
 #include "misc/bytes.h"
+#include "misc/chave.h"
 #include "misc/finais.h"
 #include "misc/leitor.h"
 #include "misc/palavras.h"
 
-// The head of a line as the consolidation writes it: eight lower-case hexadecimal digits, the
-// agent's digit, one or two digits of status, each followed by one blank. Such a line has at least
-// four fields. Any other line must be split and read field by field.
-struct Cabeca {
-    time_t t;        // field 0, Unix seconds
-    int status;      // field 2
-    std::size_t id;  // where field 3 begins
+// --- Writing. Every line is in the stream when the function returns.
+namespace compacta {
+
+constexpr std::size_t maior_hora = 8;  // bytes of field 0 at most
+
+// Field 0, for lines of the time `t`: its low 32 bits in lower-case hexadecimal. It stands in
+// `texto`.
+std::string_view escreve_hora(char (&texto)[maior_hora], time_t t);
+
+// The line of an event: its time, agent, status and texts, with one blank between; then a line
+// feed, unless the last text brings the line's end (`fim` false).
+void escreve(std::FILE* f, std::string_view hora, Agent agente, Status status,
+             std::initializer_list<std::string_view> campos, bool fim = true);
+
+// The line of an event that was not understood: its time, its agent, and the rest of the log line,
+// which brings the line's end.
+void copia(std::FILE* f, std::string_view hora, Agent agente, std::string_view resto);
+
+}  // namespace compacta
+
+// --- Reading.
+
+// A line where it was read. A usual one is as the consolidation writes it: eight lower-case
+// hexadecimal digits, the agent's digit, one or two digits of status, each followed by one blank,
+// and a field more. Any other line must be split and read field by field.
+struct Linha {
+    const char* texto;  // in the reader's block, not NUL-terminated
+    std::size_t tamanho;
+    // Of a usual line:
+    time_t t;             // field 0, Unix seconds
+    std::int32_t status;  // field 2
+    std::uint8_t id;      // where field 3 begins
+    bool usual;
 };
+
+// A line taken apart: what a report's handlers get. Fields are counted from 0.
+struct Campos {
+    char** texto;  // of all fields, ended by NUL each
+    int n;
+    Chave id;    // field 3; without text when there is none
+    long t = 0;  // field 0, Unix seconds
+
+    char* operator[](int i) const { return texto[i]; }
+};
+
+// The fields that somebody else has taken apart; null `texto` has none.
+inline Campos campos_de(char** texto, int n, long t = 0) {
+    return {texto, n, texto && n > 3 ? Chave(texto[3]) : Chave(), t};
+}
 
 // Reads heads one after the other; of lines of the same second the time is converted once.
 class LeitorDeCabecas {
@@ -34,26 +83,36 @@ class LeitorDeCabecas {
     // Shorter lines do not count as usual: with the ids in use, none is written.
     static constexpr std::size_t menor = 16;
 
-    // False when the line of `n` bytes is not a usual one. Whether the status has one digit or two
-    // is unpredictable, so there are as few branches as possible.
-    bool le(const char* linha, std::size_t n, Cabeca& c) {
-        if (n < menor || !separados(linha + 8)) return false;
-        const bool curto = linha[12] == ' ';
-        const bool longo = digito(linha[12]) & (linha[13] == ' ');
+    // Fills in the head of a line whose text is known. False when it is not a usual one. Whether
+    // the status has one digit or two is unpredictable, so there are as few branches as possible.
+    //
+    //     0        8 9 10  12 13 14
+    //     69b2e5ad _ 2 _ 4 _  6  9       one digit: a blank at 12, field 3 at 13
+    //     69b2e5ad _ 2 _ 1 8  _  6       two: a digit at 12, a blank at 13, field 3 at 14
+    bool le(Linha& l) {
+        const char* const p = l.texto;
+        if (l.tamanho < menor || !separados(p + 8)) return false;
+        const bool curto = p[12] == ' ';
+        const bool longo = digito(p[12]) & (p[13] == ' ');
         if (!(curto | longo)) return false;
-        const int dezenas = linha[11] - '0';
-        c.status = curto ? dezenas : dezenas * 10 + (linha[12] - '0');
-        c.id = 14u - curto;
-        if (oito_bytes(linha) != digitos_ && !converte(linha)) return false;
-        c.t = t_;
+        const int dezenas = p[11] - '0';
+        l.status = curto ? dezenas : dezenas * 10 + (p[12] - '0');
+        l.id = static_cast<std::uint8_t>(14 - curto);
+        if (oito_bytes(p) != digitos_ && !converte(p)) return false;
+        l.t = t_;
         return true;
     }
 
   private:
     static bool digito(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
 
-    // Whether four bytes are a blank, a digit, a blank, a digit: all four in one look. The digits
-    // differ from '0' in the low four bits only, and by less than ten.
+    // Whether four bytes are a blank, a digit, a blank, a digit: all four in one look.
+    //
+    //     bytes                 ' '  '1'  ' '  '5'     ' '  ':'
+    //                           20   31   20   35      20   3a
+    //     v: xor " 0 0"         00   01   00   05      00   0a    a digit differs by less than ten
+    //     v + 00 06 00 06       00   07   00   0b      00   10    ten shows in the high four bits
+    //     either, & FF F0 ...   00   00   00   00      00   10    all 0: as it should be
     static bool separados(const char* p) {
         std::uint32_t v;
         std::memcpy(&v, p, sizeof v);
@@ -71,7 +130,13 @@ class LeitorDeCabecas {
 
 // A text that fields are compared with: eight of its bytes first, all at once, and the rest only
 // where these agree. They are its last eight within `alcance`, since the ids of one hour begin
-// alike.
+// alike. Of a shorter text, all bytes are the last of the eight, and the mask leaves out the
+// others:
+//
+//     ..._69AF5F9E3779B980_...      a field where a line was read; the text has 16 bytes
+//         |desvio 8 ^^^^^^^^
+//     ...:_cia_...                  the text is "cia": desvio -5, the mask holds three bytes
+//     ^^^^^^^^
 class Agulha {
   public:
     // Bytes from the start of a field that are read without knowing where its line ends.
@@ -118,7 +183,7 @@ class Crivo {
     std::size_t sobra(const char* p, std::size_t n, std::size_t maior_linha);
 
   private:
-    bool importa(const char* linha, std::size_t n, LeitorDeCabecas& cabecas) const;
+    bool importa(Linha& l, LeitorDeCabecas& cabecas) const;
     bool nomeia(const char* id, const char* fim) const;
 
     Agulha id_;
@@ -128,67 +193,62 @@ class Crivo {
     FinaisDeLinha finais_;
 };
 
-// The lines of a compact file, a few dozen at a time, left where they were read, with their heads.
+// Lines read together, left where they were read: usual ones, or one that is not.
+struct Lote {
+    static constexpr std::size_t maior = 80;
+
+    std::size_t n;
+    bool usuais;
+    // Of usual ones, the earliest and the latest time.
+    time_t primeira, ultima;
+    // Those whose status matters to the report: how many, and which.
+    std::size_t servem;
+    std::uint8_t quais_servem[maior];
+    Linha linhas[maior];
+
+    const Linha& que_serve(std::size_t i) const { return linhas[quais_servem[i]]; }
+    const Linha* begin() const { return linhas; }
+    const Linha* end() const { return linhas + n; }
+};
+
+// The lines of a compact file, a few dozen at a time.
 class LeitorCompacto {
   public:
     static constexpr std::size_t maior_linha = 2047;  // bytes; what is longer goes on as another
-
-    struct Linha {
-        const char* texto;  // in the reader's block, not NUL-terminated
-        std::size_t tamanho;
-        bool usual;  // `cabeca` holds
-        Cabeca cabeca;
-    };
-    static constexpr std::size_t maior_lote = 80;
-
-    // A usual line, taken apart before its turn comes.
-    struct Partes {
-        const Linha* linha;
-        Chave id;  // field 3; no text when the line could not be taken apart beforehand
-        int campos;
-        std::uint8_t inicios[Cortes::maior + 2];  // of the fields in `texto`, and its end
-        char texto[Cortes::maior];
-    };
+    using Statuses = bool[LeitorDeCabecas::num_status];
 
     // Starts reading at the current position of `fd`, which stays the caller's.
-    void abre(int fd);
+    void abre(int fd) { leitor_.abre(fd); }
 
-    // No lines are at hand: le_lote() must be called.
-    bool vazio() const { return tomadas_ == lidas_; }
-    // Reads the next lines: usual ones, or one that is not; with `so_uma` one only. The lines
-    // before become invalid. `serve` tells which statuses matter. False at the end of the file.
-    bool le_lote(bool so_uma, const bool (&serve)[LeitorDeCabecas::num_status]);
-    const Linha& toma() { return linhas_[tomadas_++]; }
-    void toma_todas() { tomadas_ = lidas_; }
-
-    // Of the lines read last: whether they are usual, and if so the earliest and the latest time
-    // among them.
-    bool usuais() const { return usuais_; }
-    time_t primeira() const { return primeira_; }
-    time_t ultima() const { return ultima_; }
-    // How many of them, being usual, have a status that matters, and which.
-    std::size_t servem() const { return servem_; }
-    const Linha& que_serve(std::size_t i) const { return linhas_[quais_servem_[i]]; }
-
-    // Passes over what the sieve drops. Only while vazio().
+    // The next lines, at most `maior`; null at the end of the file. They hold until the next call.
+    // `serve` tells which statuses matter.
+    const Lote* le_lote(std::size_t maior, const Statuses& serve);
+    // Takes back a line of that batch, and those behind it.
+    void devolve(const Linha& linha) { leitor_.devolve({linha.texto, linha.tamanho}); }
+    // Passes over what the sieve drops of the lines that come next.
     void passa(Crivo& crivo);
 
-    // The text of any line, NUL-terminated, for the caller to change; holds until the next call.
-    char* copia(const Linha& linha);
-    // Takes a usual line apart. The line must stay as it is until campos() was called.
-    static void separa(const Linha& linha, Partes& p);
-    // The fields of such a line, as explode() answers them with blanks; returns how many. They and
-    // `p.id`, which then has a text, hold until the next call or change of `p`.
-    int campos(Partes& p, char** campos);
+    // Room for a line that is taken apart before its turn comes.
+    struct Lugar {
+        static constexpr int maior = 16;  // fields
+        char* campos[maior];
+        char texto[Cortes::maior];
+    };
+    // The fields of a usual line, in `lugar`: as explode() answers them with blanks. Without texts
+    // when the line is long or has unusual blanks; then reparte() must be asked.
+    static Campos separa(const Linha& linha, Lugar& lugar);
+    // The fields of any line. They hold until the next call.
+    Campos reparte(const Linha& linha);
+
+    // Field 0 of a line that is not usual.
+    long hora(const Linha& linha);
 
   private:
+    char* copia(const Linha& linha);
+
     LeitorLinhas leitor_;
     LeitorDeCabecas cabecas_;
-    Linha linhas_[maior_lote];
-    std::size_t lidas_ = 0, tomadas_ = 0;
-    bool usuais_ = false;
-    time_t primeira_ = 0, ultima_ = 0;
-    std::uint8_t quais_servem_[maior_lote];
-    std::size_t servem_ = 0;
+    Lote lote_;
     char copia_[maior_linha + 1];
+    char* campos_[maior_linha + 1];
 };

@@ -10,13 +10,15 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "misc/escrita.h"
+
 namespace diario {
 
 namespace {
 
 constexpr std::uint64_t dia_em_segundos = 86400;
 
-void campo(Linha& linha, std::uint32_t v) {
+void campo(Escrita& linha, std::uint32_t v) {
     linha.letra(' ').numero(static_cast<std::int32_t>(v));
 }
 
@@ -45,7 +47,7 @@ void nome_do_dia(char (&path)[maior_caminho], const char* dir, int mes, int ano,
 }
 
 void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& t) {
-    Linha linha(f, 10 * (Linha::maior_numero + 1));
+    Escrita linha(f, 10 * (Escrita::maior_numero + 1));
     linha.numero(inicio).letra(' ').numero(fim);
     for (std::uint32_t v : {t.spam, t.virus, t.error, t.att_blocked, t.msgs_int, t.bytes_int,
                             t.msgs_ext, t.bytes_ext})
@@ -54,11 +56,16 @@ void escreve_totais(std::FILE* f, time_t inicio, time_t fim, const Totais& t) {
 }
 
 void escreve_periodo(std::FILE* f, time_t inicio) {
-    Linha(f, Linha::maior_numero + 3).letra('[').numero(inicio).letra(']').letra('\n').termina();
+    Escrita(f, Escrita::maior_numero + 3)
+        .letra('[')
+        .numero(inicio)
+        .letra(']')
+        .letra('\n')
+        .termina();
 }
 
 void escreve_usuario(std::FILE* f, const char* nome, std::size_t tamanho, const usuStats& s) {
-    Linha linha(f, tamanho + 8 * (Linha::maior_numero + 1) + 1);
+    Escrita linha(f, tamanho + 8 * (Escrita::maior_numero + 1) + 1);
     linha.texto({nome, tamanho});
     for (std::uint32_t v :
          {s.sent, s.bytes_sent, s.recv, s.bytes_recv, s.virus, s.spam, s.error, s.att_blocked})

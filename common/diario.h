@@ -8,7 +8,6 @@
 
 #include "common/Usuario.h"
 #include "common/relatorio.h"
-#include "misc/escrita.h"
 #include "misc/ncutils.h"
 
 namespace diario {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <ctime>
 
-#include "common/DList.h"
-#include "common/Texto.h"
+#include "misc/dlist.h"
+#include "misc/texto.h"
 
 class Msg;
 class Usuario;

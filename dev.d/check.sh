@@ -14,6 +14,10 @@ check_floors() {
             function name(f) { sub(/.*\//, "", f); sub(/\..*/, "", f); return f }
             function class(f) { f = name(f); sub(/_[a-z]*$/, "", f); return f }
             function entry(f) { return folder(f) in at ? folder(f) : name(f) in at ? name(f) : class(f) }
+            function within(d, n) {
+                if (!(d in low) || n + 0 < low[d]) low[d] = n + 0
+                if (n + 0 > high[d] + 0) high[d] = n + 0
+            }
             function floor(f) {
                 met[entry(f)] = 1
                 if (entry(f) in at) return at[entry(f)]
@@ -29,10 +33,14 @@ check_floors() {
             }
             {
                 from = floor($1); to = floor($3)
-                if (class($1) == name($3) || (folder($1) in at && folder($1) == folder($3))) next
+                within(folder($1), from); within(folder($3), to)
+                if (class($1) == class($3) || (folder($1) in at && folder($1) == folder($3))) next
                 if (to >= from) { print $1 " (floor " from ") includes " $3 " (floor " to ")"; bad = 1 }
             }
             END {
+                for (a in low) for (b in low) if (a < b && low[a] <= high[b] && low[b] <= high[a]) {
+                    print a " and " b " share floors"; bad = 1
+                }
                 for (e in at) if (!(e in met)) { print "docs/floors.txt names " e ", which nothing includes"; bad = 1 }
                 exit bad
             }' docs/floors.txt -

@@ -60,12 +60,17 @@ deb_places() {
         cd "$deb_out/tree" || exit
         for f in ".$("$PHP_CONFIG" --extension-dir)/vt_mrel.so" "etc/php/$php/mods-available/vt_mrel.ini" etc/vt-mrel.ini \
             usr/share/man/man1/vtmrel.1.gz usr/share/bash-completion/completions/vtmrel \
-            usr/lib/sysusers.d/vt-mrel-tools.conf usr/lib/tmpfiles.d/vt-mrel-tools.conf; do
+            usr/lib/sysusers.d/vt-mrel-tools.conf usr/lib/tmpfiles.d/vt-mrel-tools.conf \
+            usr/lib/sysusers.d/vt-mrel-painel.conf etc/vt-mrel/php-fpm.conf etc/nginx/sites-available/vt-mrel.conf \
+            etc/apache2/sites-available/vt-mrel.conf; do
             [ -s "$f" ] || echo "$f is not there"
+        done
+        for u in "$root"/extras/systemd/*; do
+            find lib usr/lib -path "*/systemd/system/${u##*/}" 2>/dev/null | grep -q . || echo "${u##*/} is not there"
         done
         find . ! -type l -perm /022 -printf 'others may write to %P\n'
         find . -xtype l -printf '%P leads nowhere\n'
-        for d in bin src; do diff -rq "$root/$d" "usr/share/vt-mrel/$d"; done
+        for d in bin src paginas; do diff -rq "$root/$d" "usr/share/vt-mrel/$d"; done
     )
     [ -z "$missing" ] || { echo "$missing"; return 1; }
 }

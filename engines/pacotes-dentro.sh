@@ -62,20 +62,31 @@ try 'the day files belong to the service, and are for its group' \
     sh -c '[ "$(find /var/lib/relay/reports -type f ! -user relreports -o -type f -perm /007 | wc -l)" = 0 ]'
 try 'completion' sh -c '[ "$(vtmrel _complete --no-interaction -sbash -c1 -S1.0 -ivtmrel -idi | head -n 1)" = dias ]'
 
+# The pages, as nginx has them.
+ln -s ../sites-available/vt-mrel.conf /etc/nginx/sites-enabled/
+systemctl restart nginx
+page() { php -r 'echo file_get_contents("http://127.0.0.1:8025$argv[1]");' "$1"; }
+pages() { page "/dias?formato=csv&de=$first&ate=$last" >answer.csv && diff expected.csv answer.csv && page / | grep '</html>'; }
+try 'pages through nginx' pages
+try 'no other page may read the day files' sh -c '! runuser -u www-data -- cat /var/lib/relay/reports/*/mail_stat*'
+
 echo '; a hand was here' >>/etc/vt-mrel.ini
 try 'upgrades' $apt -o Dpkg::Options::=--force-confold install ./new/*.deb
 try 'the version is the new one' sh -c 'dpkg-query -W vt-mrel-tools | grep -qv 0.9'
 try 'a changed configuration stays' grep -q 'a hand was here' /etc/vt-mrel.ini
 try 'answers as before' answers
+try 'pages as before' pages
 for t in $timers; do try "timer $t is on after the upgrade" systemctl is-active "$t.timer"; done
 
 try 'removes' $apt remove $ours
 try 'no module is left' sh -c '! php -m | grep -q "Vorna PHP admin" && php -v | grep -qv -i warning'
 try 'no unit is left' sh -c 'systemctl list-units --all --no-legend "vtmrel*" | grep -v not-found | diff /dev/null -'
 try 'configuration and data are left' sh -c '[ -s /etc/vt-mrel.ini ] && [ -n "$(find /var/lib/relay -name "mail_stat*")" ]'
+try 'php-fpm goes on without the pool' sh -c 'systemctl is-active "php*-fpm.service" && ! ls /run/php/vt-mrel.sock'
 try 'purges' $apt purge $ours
 files >after
 left() { comm -13 before after | grep -v '^/var/lib/relay' | diff /dev/null -; }
 try 'only data is left' left
+try 'nginx goes on without the site' sh -c 'nginx -t && systemctl restart nginx'
 try 'the data is left whole' sh -c '[ "$(find /var/lib/relay -name "mail_stat*" -size +0 | wc -l)" -ge 2 ]'
 echo 'ok: the end'

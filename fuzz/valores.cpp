@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "borland/XmlValueStore.h"
+#include "borland/xmlhelper.h"
 #include "fuzz/alvo.h"
-#include "misc/xmlhelper.h"
 #include "tests/unit/apoio/arvore.h"
 
 namespace {

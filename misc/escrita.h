@@ -51,29 +51,29 @@ inline void avanca_no_buffer(std::FILE* stream, char* fim) {
 // must be in the stream, since anybody may use the stream from then on. So nothing is kept for
 // later: the line is built in the stream's own buffer. Write errors stay in the stream's error
 // flag.
-class Linha {
+class Escrita {
   public:
     // Bytes that a number takes at most.
     static constexpr std::size_t maior_numero = 20;
 
     // The line will not be longer than `maior` bytes.
-    Linha(std::FILE* stream, std::size_t maior)
+    Escrita(std::FILE* stream, std::size_t maior)
         : stream_(stream), p_(lugar_no_buffer(stream, maior)) {
         if (p_) return;
         propria_ = std::make_unique_for_overwrite<char[]>(maior);
         p_ = propria_.get();
     }
 
-    Linha& texto(std::string_view t) {
+    Escrita& texto(std::string_view t) {
         copia(p_, t.data(), t.size());
         p_ += t.size();
         return *this;
     }
-    Linha& letra(char c) {
+    Escrita& letra(char c) {
         *p_++ = c;
         return *this;
     }
-    Linha& numero(std::int64_t v, int base = 10) {
+    Escrita& numero(std::int64_t v, int base = 10) {
         if (v >= 0 && v < 10) return letra(static_cast<char>('0' + v));
         p_ = std::to_chars(p_, p_ + maior_numero, v, base).ptr;
         return *this;

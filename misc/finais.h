@@ -1,36 +1,16 @@
-// Finding the ends of lines, sixty-four bytes at a time where the processor can.
+// Finding the ends of lines, sixty-four bytes at a time.
 #pragma once
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+
+#include "misc/vetor.h"
 
 // Bit i tells whether p[i] is a line feed, for the 64 bytes at `p`.
-inline std::uint64_t finais_um_a_um(const char* p) {
-    std::uint64_t m = 0;
-    for (unsigned i = 0; i < 64; ++i) m |= std::uint64_t{p[i] == '\n'} << i;
-    return m;
-}
-
-#ifdef __SSE2__
-inline std::uint64_t finais_de_16(const char* p) {
-    const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i achados = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\n'));
-    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(achados)));
-}
-
 inline std::uint64_t finais(const char* p) {
-    return finais_de_16(p) | finais_de_16(p + 16) << 16 | finais_de_16(p + 32) << 32 |
-           finais_de_16(p + 48) << 48;
+    return mascara_de_64([p](std::size_t i) { return Vetor(p + i).igual('\n').mascara(); });
 }
-#else
-inline std::uint64_t finais(const char* p) {
-    return finais_um_a_um(p);
-}
-#endif
 
 // The positions of the line feeds in a piece of text, in ascending order.
 class FinaisDeLinha {
@@ -53,6 +33,13 @@ class FinaisDeLinha {
     std::size_t operator[](std::size_t i) const { return posicoes_[i]; }
 
   private:
+    // Notes the lowest bit of `m` and takes it out:
+    //
+    //     m            ..01 0001 0000    countr_zero: the line feed is byte 4
+    //     m - 1        ..01 0000 1111
+    //     m & (m - 1)  ..01 0000 0000    the next one is byte 8
+    //
+    // Without any bit the place is written too, but not counted.
     void nota(std::size_t& achados, std::size_t i, std::uint64_t& m) {
         const std::uint64_t sem_zero = m | std::uint64_t{1} << 63;
         posicoes_[achados] =

@@ -1,12 +1,11 @@
-// Splitting a line into words, sixteen bytes at a time where the processor can.
+// Splitting a line into words, sixteen bytes at a time.
 #pragma once
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+
+#include "misc/vetor.h"
 
 inline bool marca(char c) {
     return c == ' ' || c == '\n' || c == '\r';
@@ -19,28 +18,17 @@ inline std::uint64_t marcas_uma_a_uma(const char* p, std::size_t n) {
     return m;
 }
 
-#ifdef __SSE2__
-inline std::uint64_t marcas_de_16(const char* p) {
-    const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i branco = _mm_cmpeq_epi8(texto, _mm_set1_epi8(' '));
-    const __m128i lf = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\n'));
-    const __m128i cr = _mm_cmpeq_epi8(texto, _mm_set1_epi8('\r'));
-    const int m = _mm_movemask_epi8(_mm_or_si128(branco, _mm_or_si128(lf, cr)));
-    return static_cast<std::uint64_t>(static_cast<unsigned>(m));
-}
-
 inline std::uint64_t marcas(const char* p, std::size_t n) {
     if (n < 16) return marcas_uma_a_uma(p, n);
+    const auto de_16 = [p](std::size_t i) {
+        const Vetor v(p + i);
+        return (v.igual(' ') | v.igual('\n') | v.igual('\r')).mascara();
+    };
     // The last sixteen may overlap those before them; both say the same about the overlap.
-    std::uint64_t m = marcas_de_16(p + n - 16) << (n - 16);
-    for (std::size_t i = 0; i + 16 < n; i += 16) m |= marcas_de_16(p + i) << i;
+    std::uint64_t m = de_16(n - 16) << (n - 16);
+    for (std::size_t i = 0; i + 16 < n; i += 16) m |= de_16(i) << i;
     return m;
 }
-#else
-inline std::uint64_t marcas(const char* p, std::size_t n) {
-    return marcas_uma_a_uma(p, n);
-}
-#endif
 
 // Which bytes of a text of up to 128 are blanks or less: bit i of the first or second half stands
 // for its byte i.
@@ -57,7 +45,12 @@ struct Cortes {
         if (n < 128) metades[1] &= n <= 64 ? 0 : (std::uint64_t{1} << (n - 64)) - 1;
     }
 
-    // Whether one stands directly behind another.
+    // Whether one stands directly behind another. Shifted by one, a half has its bit i where bit
+    // i + 1 was, so both have a bit in common just where two are neighbours:
+    //
+    //     m        0110 0100
+    //     m >> 1   0011 0010
+    //     both     0010 0000    5 and 6
     bool seguidos() const {
         return ((metades[0] & metades[0] >> 1) | (metades[1] & metades[1] >> 1) |
                 (metades[0] >> 63 & metades[1])) != 0;
@@ -76,38 +69,17 @@ struct Cortes {
 
 // Copies Cortes::maior bytes, with a NUL in place of each that is a blank or less. All of them must
 // be readable, however long the text is.
-inline Cortes copia_palavras_uma_a_uma(char* para, const char* de) {
-    Cortes c{};
-    for (std::size_t i = 0; i < Cortes::maior; ++i) {
-        const bool corte = static_cast<unsigned char>(de[i]) <= ' ';
-        para[i] = corte ? '\0' : de[i];
-        c.metades[i / 64] |= std::uint64_t{corte} << i % 64;
-    }
-    return c;
-}
-
-#ifdef __SSE2__
-inline std::uint64_t copia_palavras_16(char* para, const char* de) {
-    const __m128i texto = _mm_loadu_si128(reinterpret_cast<const __m128i*>(de));
-    const __m128i cortes = _mm_cmpeq_epi8(texto, _mm_min_epu8(texto, _mm_set1_epi8(' ')));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(para), _mm_andnot_si128(cortes, texto));
-    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(cortes)));
-}
-
-inline std::uint64_t copia_palavras_64(char* para, const char* de) {
-    return copia_palavras_16(para, de) | copia_palavras_16(para + 16, de + 16) << 16 |
-           copia_palavras_16(para + 32, de + 32) << 32 |
-           copia_palavras_16(para + 48, de + 48) << 48;
-}
-
 inline Cortes copia_palavras(char* para, const char* de) {
-    return {{copia_palavras_64(para, de), copia_palavras_64(para + 64, de + 64)}};
+    const auto metade = [para, de](std::size_t inicio) {
+        return mascara_de_64([&](std::size_t i) {
+            const Vetor texto(de + inicio + i);
+            const Vetor cortes = texto.ate(' ');
+            texto.sem(cortes).guarda(para + inicio + i);
+            return cortes.mascara();
+        });
+    };
+    return {{metade(0), metade(64)}};
 }
-#else
-inline Cortes copia_palavras(char* para, const char* de) {
-    return copia_palavras_uma_a_uma(para, de);
-}
-#endif
 
 // Walks over the marks of a text of known length.
 class Marcas {
@@ -131,12 +103,15 @@ class Marcas {
         fim_ = inicio_ + tamanho;
     }
 
-    // Goes on to the next part of the text that has a mark.
+    // Goes on to the next part of the text that has a mark. A text of 148 bytes is examined so:
+    //
+    //     |0             64|             128|  148|    two parts
+    //                         |84             148|    the third begins earlier,
+    //                          ^^^^^^^^^^^^^           and what was seen of it is shifted out
     bool avanca() {
         while (marcas_ == 0) {
             if (fim_ == n_) return false;
             const std::size_t visto = fim_;
-            // A short rest is examined together with what stands before it.
             inicio_ = n_ - visto < maior_ ? n_ - maior_ : visto;
             examina();
             marcas_ = marcas_ >> (visto - inicio_) << (visto - inicio_);
@@ -154,6 +129,13 @@ class Marcas {
 // begins the text (it may be empty), then at most `max` more, the last of which is cut to its first
 // character. Words end at runs of blanks; the line ends at LF, at its `n` bytes, or at a CR, but a
 // CR behind a blank is a word. Answers where the line ended. palavra() may write at `fim`.
+//
+//     " MAILQ  OK \r\n", max = 3
+//
+//     [0, 0)     empty, since the text begins with a blank
+//     [1, 6)     "MAILQ"; the blank at 7 is skipped, and its mark too (the inner loop)
+//     [8, 10)    "OK"
+//     [11, 12)   the CR behind a blank; the last of three, so cut to one character
 template <class Palavra>
 std::size_t percorre_palavras(const char* texto, std::size_t n, int max, Palavra palavra) {
     Marcas marcas(texto, n);

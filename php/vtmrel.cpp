@@ -6,6 +6,10 @@
 
 namespace {
 
+// Scripts see no version of the module. The library (src/Versao.php) reads this one in its file, to
+// tell the module of another release from its own.
+[[gnu::used]] const char versao[] = "vt_mrel versao=1.0;";
+
 // The module has classes only.
 const zend_function_entry vt_mrel_module_functions[] = {ZEND_FE_END};
 

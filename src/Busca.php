@@ -32,6 +32,7 @@ final class Busca
     /** Later than every day. */
     private const SEM_FIM = '9999';
 
+    private readonly \Closure $blocos;
     private readonly Selecao $selecao;
     private readonly Selecao $antes;
     private readonly ?Nome $de;
@@ -58,13 +59,16 @@ final class Busca
     /**
      * @param array<string, string> $arquivos compact files of the period, by day
      * @param array<string, string> $anteriores those of the DIAS_ANTES days before it
+     * @param ?\Closure(string): iterable<string> $blocos reads one of them in blocks of whole lines
      */
     public function __construct(
         private readonly array $arquivos,
         private readonly array $anteriores,
         private readonly Periodo $periodo,
         private readonly Filtro $filtro,
+        ?\Closure $blocos = null,
     ) {
+        $this->blocos = $blocos ?? Compacto::blocos(...);
         $this->de = $filtro->usuario ?? $filtro->remetente;
         $this->para = $filtro->usuario ?? $filtro->destinatario;
         $this->id = $filtro->id === null ? null : Texto::latin1($filtro->id) ?? '';
@@ -132,7 +136,7 @@ final class Busca
         $guarda = $this->noPeriodo && $this->para && !$this->entre;
         $selecao = $this->noPeriodo ? $this->selecao : $this->antes;
         $nome = $this->de ? $this->de->bytes ?? "\n" : ($this->para ? "\n" : '');
-        foreach (Compacto::blocos($arquivo) as $bloco) {
+        foreach (($this->blocos)($arquivo) as $bloco) {
             [$tempos, $status, $ids, $restos] = $selecao->eventos($bloco, $this->abertas, $this->faz(...));
             foreach ($ids as $i => $id) {
                 // Most lines of a block are ends and submissions of messages that nobody asked for.
@@ -168,7 +172,7 @@ final class Busca
             if (!$abertas) {
                 break;
             }
-            foreach (Compacto::blocos($arquivo) as $bloco) {
+            foreach (($this->blocos)($arquivo) as $bloco) {
                 [$tempos, $status, $ids, $restos] = $this->selecao->eventosDe($bloco, $abertas);
                 foreach ($ids as $i => $id) {
                     $a = $abertas[$id] ?? null;
@@ -302,7 +306,7 @@ final class Busca
             if ($outro > $dia) {
                 continue;
             }
-            foreach (Compacto::blocos($arquivo) as $bloco) {
+            foreach (($this->blocos)($arquivo) as $bloco) {
                 [$tempos, $status, $ids, $restos] = $this->selecao->eventosDe($bloco, $semOrigem);
                 foreach ($ids as $i => $id) {
                     $a = $semOrigem[$id] ?? null;
@@ -349,10 +353,14 @@ final class Busca
                 continue;
             }
             $quando = $this->quando($a);
+            $quando = $quando === 0 ? null : (new \DateTimeImmutable("@$quando"))->setTimezone($this->periodo->fuso);
+            if (!$this->filtro->naHora($quando)) {
+                continue;
+            }
             yield new Mensagem(
                 Texto::utf8($a->id),
                 $this->sentido($a),
-                $quando === 0 ? null : (new \DateTimeImmutable("@$quando"))->setTimezone($this->periodo->fuso),
+                $quando,
                 $a->remetente === null ? null : Texto::utf8($a->remetente),
                 $a->bytes,
                 $a->virus ? Estado::Virus : ($a->erro ? Estado::ComErro : Estado::SemErro),

@@ -7,7 +7,7 @@ namespace Vorna\Mrel;
 use Vorna\Mrel\Falha\ConfiguracaoInvalida;
 
 /**
- * The relays of an INI file: a section is a relay, its keys are dados, logs, ponto, dominios, fuso.
+ * The relays of an INI file: a section is a relay, its keys are dados, logs, ponto, dominios, fuso, saude.
  *
  *     [matriz]
  *     dados = /var/lib/relay/reports
@@ -18,11 +18,18 @@ use Vorna\Mrel\Falha\ConfiguracaoInvalida;
  */
 final readonly class Configuracao
 {
-    private const CHAVES = ['dados', 'logs', 'ponto', 'dominios', 'fuso'];
+    private const PADRAO = '/etc/vt-mrel.ini';
+    private const CHAVES = ['dados', 'logs', 'ponto', 'dominios', 'fuso', 'saude'];
 
     /** @param non-empty-array<string, Relay> $relays by name, in the order of the file */
     private function __construct(private string $arquivo, public array $relays)
     {
+    }
+
+    /** The file in use: what VT_MREL_CONFIG names, else /etc/vt-mrel.ini. */
+    public static function arquivo(): string
+    {
+        return getenv('VT_MREL_CONFIG') ?: self::PADRAO;
     }
 
     /** @throws ConfiguracaoInvalida when it cannot be read, or says what cannot be */
@@ -45,6 +52,7 @@ final readonly class Configuracao
                 $valores['ponto'] ?? null,
                 Relay::dominios($valores['dominios'] ?? ''),
                 isset($valores['fuso']) ? Fuso::de($valores['fuso']) : null,
+                $valores['saude'] ?? null,
             );
         }
         if (!$relays) {

@@ -22,7 +22,7 @@ abstract class Falha extends \RuntimeException
     }
 
     /** A text as a sentence can quote it: valid UTF-8, on one line, not too long. */
-    final protected static function cita(string $texto): string
+    final public static function cita(string $texto): string
     {
         $texto = preg_match('//u', $texto) ? $texto : Texto::utf8($texto);
         $texto = preg_replace('/[\x00-\x1F\x7F]|\xC2[\x80-\x9F]/', '?', $texto);

@@ -20,7 +20,8 @@ final readonly class Filtro
      * @param int $minKb smallest size in KiB, 0 for no bound; with a bound, sizes that are not known are out
      * @param int $maxKb largest size in KiB, 0 for no bound
      * @param bool $todas every message submitted; needed when there is no other filter
-     * @throws EntradaInvalida when a name cannot be, or nothing was asked for
+     * @param ?int $hora 0 to 23, by the clock, of the time that the row shows
+     * @throws EntradaInvalida when a name or an hour cannot be, or nothing was asked for
      */
     public function __construct(
         ?string $usuario = null,
@@ -29,7 +30,8 @@ final readonly class Filtro
         public ?string $id = null,
         public int $minKb = 0,
         public int $maxKb = 0,
-        bool $todas = false,
+        public bool $todas = false,
+        public ?int $hora = null,
     ) {
         $this->usuario = $usuario === null ? null : new Nome($usuario);
         $this->remetente = $remetente === null ? null : new Nome($remetente);
@@ -48,6 +50,9 @@ final readonly class Filtro
                 'Os tamanhos estão invertidos ou são negativos: o menor em KiB vem primeiro, 0 é sem limite.',
                 'The sizes are inverted or negative: the smaller one in KiB comes first, 0 is no bound.'
             );
+        }
+        if ($hora !== null && ($hora < 0 || $hora > 23)) {
+            throw EntradaInvalida::hora($hora);
         }
         if (!$todas && $usuario === null && $remetente === null && $destinatario === null && $id === null) {
             throw EntradaInvalida::filtro(
@@ -77,5 +82,11 @@ final readonly class Filtro
         }
         return $bytes !== null && $bytes >= $this->minKb * 1024
             && ($this->maxKb === 0 || $bytes <= $this->maxKb * 1024);
+    }
+
+    /** Whether a row's time, null for one that is not known, lies within the hour. */
+    public function naHora(?\DateTimeImmutable $quando): bool
+    {
+        return $this->hora === null || (int) ($quando?->format('G') ?? -1) === $this->hora;
     }
 }

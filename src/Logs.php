@@ -151,7 +151,7 @@ final readonly class Logs
     }
 
     /** "Thu Mar 12 00:00:30 2026: ..." as "2026-03-12 00:00:30". */
-    private static function quando(string $linha): ?string
+    public static function quando(string $linha): ?string
     {
         if (!preg_match(self::CARIMBO, $linha, $m) || !isset(self::MESES[$m[1]])) {
             return null;

@@ -28,11 +28,15 @@ final class Maiores
     /** @var array<string, int> how often each spelling was met */
     private array $vezes = [];
 
-    /** @param list<string> $locais local domains */
+    /**
+     * @param list<string> $locais local domains
+     * @param ?\Closure(string): bool $so whether a name, in UTF-8, counts; null for all
+     */
     public function __construct(
         private readonly array $locais,
         Contador $por,
         private readonly bool $dominios,
+        private readonly ?\Closure $so = null,
     ) {
         // A pattern, since it is three times as fast as cutting every line into pieces.
         $this->linha = '/^([^ \n]+)' . str_repeat(' -?\d+', self::CAMPO[$por->value] - 1)
@@ -86,6 +90,9 @@ final class Maiores
         $valores = $grafias = [];
         foreach ($this->somas as $nome => $valor) {
             $nome = (string) $nome;
+            if ($this->so !== null && !($this->so)(Texto::utf8($nome))) {
+                continue;
+            }
             $mostrado = $this->mostrado($nome);
             if ($mostrado === '') {
                 continue;

@@ -31,6 +31,12 @@ final readonly class Motor
      */
     public function pergunta(string $metodo, mixed ...$argumentos): \vt_mrel_itr
     {
+        return $this->perguntaA($this->objeto(), $metodo, ...$argumentos);
+    }
+
+    /** An object for several questions, of which each knows the messages that those before it met. */
+    public function objeto(): \vt_mrel
+    {
         self::exige();
         $mrel = new \vt_mrel();
         if (!$mrel->setDataDir($this->relay->dados)) {
@@ -39,6 +45,11 @@ final readonly class Motor
         foreach ($this->relay->dominios as $dominio) {
             $mrel->add_domain($dominio);
         }
+        return $mrel;
+    }
+
+    public function perguntaA(\vt_mrel $mrel, string $metodo, mixed ...$argumentos): \vt_mrel_itr
+    {
         $itr = new \vt_mrel_itr();
         // The extension asks the C library for local time, which may know another zone than the relay's.
         $tz = getenv('TZ', true);

@@ -43,7 +43,7 @@ final readonly class Ponto
 
     /**
      * The last complete day: the one before the point; without a point the newest day before $hoje that
-     * has a file; null when there is none.
+     * is over; null when there is none.
      */
     public static function ultimoDiaCompleto(Relay $relay, string $hoje): ?string
     {
@@ -52,6 +52,10 @@ final readonly class Ponto
             return gmdate('Y-m-d', strtotime("$ponto 12:00 UTC") - 86400);
         }
         $antes = array_filter((new Dias($relay->dados))->todos(), static fn (string $dia) => $dia < $hoje);
+        $abertos = new EmAberto($relay);
+        while ($antes && $abertos->ate(end($antes)) !== null) {
+            array_pop($antes);
+        }
         return $antes ? end($antes) : null;
     }
 }

@@ -71,6 +71,7 @@ final readonly class Rastreio
     {
         $submetida = $itr->msg_time !== 0;
         $virus = (bool) $itr->virus;
+        $desistiu = (bool) $itr->fatal_error;
         $estado = match (true) {
             $virus => Estado::Virus,
             $itr->error || $itr->fatal_error => Estado::ComErro,
@@ -86,7 +87,8 @@ final readonly class Rastreio
             $estado,
             $virus,
             Texto::utf8($itr->str_error),
-            $this->destinatarios($itr),  // the last one: they overwrite the message's "error"
+            $this->destinatarios($itr),  // after the state: they overwrite the message's "error"
+            $desistiu,
         );
     }
 

@@ -39,6 +39,12 @@ final readonly class Relatorios
         $this->transbordo = new Transbordo($this->dias, $this->motor);
     }
 
+    /** @return list<string> the days of a period that have files, "2026-03-10", oldest first */
+    public function dias(Periodo $periodo): array
+    {
+        return array_map('strval', array_keys($this->arquivos(Dias::ESTATISTICA, $periodo)));
+    }
+
     /**
      * All users together, a row for each day that has files, oldest first.
      *
@@ -76,16 +82,49 @@ final readonly class Relatorios
      */
     public function horas(Periodo $periodo): array
     {
-        $this->arquivos(Dias::COMPACTO, $periodo);
-        $itr = $this->motor->pergunta('msgs_per_hour', ...[...$periodo->eventos(), ' ']);
-        for ($linhas = []; $itr->fetch();) {
-            $linhas[] = [$itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam, $itr->virus,
-                $itr->error];
+        return $this->somaDasHoras($periodo, $this->horasPorDia($periodo));
+    }
+
+    /**
+     * The same, each day for itself: a message submitted on one day of the period counts on the day of its end.
+     *
+     * @return array<string, list<list<int>>> by day that has files, of each hour the counters of a Hora
+     */
+    public function horasPorDia(Periodo $periodo): array
+    {
+        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
+        $mrel = $this->motor->objeto();
+        $dias = [];
+        foreach ($arquivos as $dia => $_) {
+            $um = Periodo::dia($dia, $periodo->fuso);
+            $itr = $this->motor->perguntaA($mrel, 'msgs_per_hour', ...[...$um->eventos(), ' ']);
+            for ($linhas = []; $itr->fetch();) {
+                $linhas[] = [$itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam, $itr->virus,
+                    $itr->error];
+            }
+            $dias[$dia] = $linhas;
         }
-        $incerta = $this->transbordo->dasHoras($periodo, $linhas);
+        return $dias;
+    }
+
+    /**
+     * @param array<string, list<list<int>>> $dias as horasPorDia answers for that period
+     * @return list<Hora> 24
+     */
+    public function somaDasHoras(Periodo $periodo, array $dias): array
+    {
+        $somas = array_fill(0, 24, array_fill(0, 7, 0));
+        foreach ($dias as $linhas) {
+            foreach ($linhas as $hora => $linha) {
+                foreach ($linha as $i => $valor) {
+                    $somas[$hora][$i] = $somas[$hora][$i] + $valor & 0xFFFFFFFF;  // as the engine counts
+                }
+            }
+        }
+        $incerta = $this->transbordo->dasHoras($periodo, $somas);
         $horas = [];
-        foreach ($linhas as $hora => $linha) {
-            $horas[] = new Hora($hora, ...[...$linha, static fn (): bool => $incerta($hora)]);
+        foreach ($somas as $hora => $soma) {
+            $horas[] = new Hora($hora, ...[...$soma, static fn (): bool => $incerta($hora)]);
         }
         return $horas;
     }
@@ -104,15 +143,40 @@ final readonly class Relatorios
     }
 
     /**
+     * All users of some domains together, 24 rows for each day that has files, oldest first.
+     *
+     * @param non-empty-list<string> $dominios
+     * @param bool $semDominio whether names without a domain are theirs too
+     * @return \Generator<int, HoraDeUsuario> whose user is the list of the domains
+     */
+    public function horasDosDominios(Periodo $periodo, array $dominios, bool $semDominio): \Generator
+    {
+        $arquivos = $this->arquivos(Dias::ESTATISTICA, $periodo);
+        return $this->linhasDosDominios($periodo, $arquivos, new PorDominio($dominios, $semDominio), implode('; ', $dominios));
+    }
+
+    /**
      * The messages that a filter finds, each once, by `quando`, then id.
      *
      * @return \Generator<int, Mensagem>
      */
     public function mensagens(Periodo $periodo, Filtro $filtro): \Generator
     {
-        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
-        $anteriores = $this->dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES));
-        return (new Busca($arquivos, array_diff_key($anteriores, $arquivos), $periodo, $filtro))->mensagens();
+        return (new Busca(...[...$this->compactos($periodo), $periodo, $filtro]))->mensagens();
+    }
+
+    /**
+     * The same messages a page at a time, newest first. A page costs what it shows, not what the period holds;
+     * where a search finds little it may pause and be resumed by the next page.
+     *
+     * @param ?string $cursor of the page before, with the same period and filter; null for the first page
+     * @throws EntradaInvalida for a cursor that is none
+     */
+    public function pagina(Periodo $periodo, Filtro $filtro, ?string $cursor = null, int $n = 200): Pagina
+    {
+        $cursor = $cursor === null ? null : Cursor::le($cursor);
+        $folheio = new Folheio(...[...$this->compactos($periodo), $periodo, $filtro]);
+        return $folheio->pagina($cursor, $n);
     }
 
     /**
@@ -134,6 +198,7 @@ final readonly class Relatorios
      * sender. Names fold in ASCII letter case and show in the spelling met most often. A bare name is its
      * address when exactly one local domain is given; of domains it is "(local)" otherwise.
      *
+     * @param ?\Closure(string): bool $so whether a name, in UTF-8 and as the day file has it, counts; null for all
      * @return list<Posicao> largest first, ties by name
      * @throws EntradaInvalida for $n below 1
      */
@@ -142,12 +207,13 @@ final readonly class Relatorios
         Contador $por = Contador::Enviadas,
         int $n = 20,
         bool $dominios = false,
+        ?\Closure $so = null,
     ): array {
         if ($n < 1) {
             throw EntradaInvalida::quantidade($n);
         }
         $arquivos = $this->arquivos(Dias::ESTATISTICA, $periodo);
-        $maiores = new Maiores($this->relay->dominios, $por, $dominios);
+        $maiores = new Maiores($this->relay->dominios, $por, $dominios, $so);
         array_map($maiores->soma(...), $arquivos);
         $incertos = $por->deBytes() ? $this->transbordo->dosDias($periodo) : static fn (): bool => false;
         $posicoes = [];
@@ -155,6 +221,14 @@ final readonly class Relatorios
             $posicoes[] = new Posicao(count($posicoes) + 1, Texto::utf8((string) $nome), $valor, $incertos);
         }
         return $posicoes;
+    }
+
+    /** @return array{array<string, string>, array<string, string>} compact files of the period and of the days before */
+    private function compactos(Periodo $periodo): array
+    {
+        $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
+        $anteriores = $this->dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES));
+        return [$arquivos, array_diff_key($anteriores, $arquivos)];
     }
 
     /** @throws NenhumDia */
@@ -245,6 +319,29 @@ final readonly class Relatorios
                 $itr->spam,
                 $this->transbordo->doDia($dia)
             );
+        }
+    }
+
+    private function linhasDosDominios(Periodo $periodo, array $arquivos, PorDominio $soma, string $nome): \Generator
+    {
+        foreach ($arquivos as $dia => $arquivo) {
+            foreach ($soma->horas($arquivo) as $segundos => [$enviadas, $bytesE, $recebidas, $bytesR, $virus, $spam, $erros]) {
+                $inicio = (new \DateTimeImmutable("@$segundos"))->setTimezone($periodo->fuso);
+                yield new HoraDeUsuario(
+                    $nome,
+                    $dia,
+                    $inicio,
+                    (int) $inicio->format('G'),
+                    $enviadas,
+                    $bytesE,
+                    $recebidas,
+                    $bytesR,
+                    $spam,
+                    $virus,
+                    $erros,
+                    $this->transbordo->doDia($dia)
+                );
+            }
         }
     }
 }

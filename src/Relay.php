@@ -15,6 +15,7 @@ final readonly class Relay
      * @param ?string $ponto the last-consolidation file
      * @param list<string> $dominios local mail domains
      * @param ?\DateTimeZone $fuso null for the C library's
+     * @param ?string $saude where the last result of the checks is kept
      */
     public function __construct(
         public string $dados,
@@ -23,6 +24,7 @@ final readonly class Relay
         public ?string $ponto = null,
         public array $dominios = [],
         ?\DateTimeZone $fuso = null,
+        public ?string $saude = null,
     ) {
         $this->fuso = $fuso ?? Fuso::daMaquina();
     }

@@ -107,6 +107,10 @@ final readonly class Rotulos
         'erro_helo' => ['saudação recusada', 'greeting refused'],
         'erro_tamanho' => ['tamanho recusado', 'size refused'],
         'erro_dominio' => ['domínio desconhecido', 'unknown domain'],
+        'ok' => ['ok', 'ok'],
+        'aviso' => ['aviso', 'warning'],
+        'critico' => ['crítico', 'critical'],
+        'desconhecido' => ['desconhecido', 'unknown'],
         'nova_tentativa' => ['nova tentativa', 'to be tried again'],
         'spam' => ['spam', 'spam'],
         'outro' => ['outro', 'other'],
@@ -126,6 +130,15 @@ final readonly class Rotulos
             'Why nothing was done, or not all; empty when all was done.'],
     ];
 
+    private const SAUDE = [
+        'relay' => self::COMUNS['relay'],
+        'verificacao' => ['Verificação', 'Check', 'O que se verificou.', 'What was checked.'],
+        'estado' => ['Estado', 'State', 'Ok, aviso, crítico ou desconhecido.', 'Ok, warning, critical or unknown.'],
+        'texto' => ['Motivo', 'Reason', 'Por que está assim.', 'Why it is so.'],
+        'conselho' => ['O que fazer', 'What to do', 'O que fazer; vazio quando está bem.',
+            'What to do; empty when it is well.'],
+    ];
+
     private int $i;
 
     /** @param string $lingua "pt" or "en"; any other is "pt" */
@@ -137,8 +150,8 @@ final readonly class Rotulos
     /** @return list<string> the tables that have columns */
     public static function tabelas(): array
     {
-        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'topo', 'topo_dominios', 'mensagens', 'rastro',
-            'totais', 'usuarios', 'eventos', 'consolidado'];
+        return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'horas_do_usuario', 'topo', 'topo_dominios', 'mensagens',
+            'rastro', 'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
     }
 
     /**
@@ -176,6 +189,22 @@ final readonly class Rotulos
         return ['incerto: pode ter passado de 4 GiB', 'uncertain: it may have passed 4 GiB'][$this->i];
     }
 
+    /** How a day that is not over is marked: "até 14:32". */
+    public function ate(\DateTimeInterface $ate): string
+    {
+        return ['até ', 'until '][$this->i] . $ate->format('H:i');
+    }
+
+    /**
+     * The same as a sentence.
+     *
+     * @param string $dia as people write it
+     */
+    public function naoTerminou(string $dia, \DateTimeInterface $ate): string
+    {
+        return ["$dia ainda não terminou: vale ", "$dia is not over yet: figures are "][$this->i] . "{$this->ate($ate)}.";
+    }
+
     /** @return array<string, array{string, string, string, string}> head pt, head en, definition pt, definition en */
     private static function tabela(string $tabela): array
     {
@@ -186,6 +215,7 @@ final readonly class Rotulos
             'dias_usuario' => ['usuario' => $c['usuario'], 'dia' => $c['dia']] + self::DE_USUARIO,
             'horas' => self::horas(),
             'horas_usuario' => self::horasDeUsuario(),
+            'horas_do_usuario' => ['hora' => $c['hora']] + self::DE_USUARIO,
             'topo' => self::topo('usuario', $c['usuario']),
             'topo_dominios' => self::topo('dominio', ['Domínio', 'Domain',
                 'O que vem depois de "@"; nomes sem "@" são do domínio local.',
@@ -195,6 +225,7 @@ final readonly class Rotulos
             'usuarios' => self::usuarios(),
             'eventos' => self::eventos(),
             'consolidado' => self::CONSOLIDADO,
+            'saude' => self::SAUDE,
         };
     }
 

@@ -17,9 +17,20 @@ final readonly class Tabela
      * @param string $nome of the table in Rotulos
      * @param iterable<list<int|Bytes|string|null>> $linhas
      * @param bool $soma whether a table for people ends with a sum
+     * @param array<string, \DateTimeImmutable> $abertos the days in it that are not over, as of EmAberto
      */
-    public function __construct(public string $nome, public iterable $linhas, public bool $soma = false)
-    {
+    public function __construct(
+        public string $nome,
+        public iterable $linhas,
+        public bool $soma = false,
+        public array $abertos = [],
+    ) {
         $this->colunas = Rotulos::colunas($nome);
+    }
+
+    /** @param array<string, \DateTimeImmutable> $abertos */
+    public function comAbertos(array $abertos): self
+    {
+        return new self($this->nome, $this->linhas, $this->soma, $abertos);
     }
 }

@@ -15,6 +15,7 @@ use Vorna\Mrel\Linha\Mensagem;
 use Vorna\Mrel\Linha\Posicao;
 use Vorna\Mrel\Linha\Rastro;
 use Vorna\Mrel\Linha\Totais;
+use Vorna\Mrel\Saude\Resultado;
 
 /** From the rows of the reports to tables: which figure stands in which column. */
 final class Tabelas
@@ -57,6 +58,39 @@ final class Tabelas
         return new Tabela('horas_usuario', self::cada($linhas, static fn (HoraDeUsuario $l): array => [
             $l->dia, $l->inicio->format(DATE_ATOM), $l->hora, ...self::contasDe($l),
         ]), true);
+    }
+
+    /**
+     * The hours of all days added up: 24 rows, by the clock.
+     *
+     * @param iterable<HoraDeUsuario> $linhas
+     */
+    public static function horasDoUsuario(iterable $linhas): Tabela
+    {
+        $horas = array_map(static fn (int $hora): array => [$hora, 0, 0, 0, 0, 0, 0, 0], range(0, 23));
+        $incertos = [];
+        foreach ($linhas as $l) {
+            $contas = [$l->enviadas, $l->bytesEnviados, $l->recebidas, $l->bytesRecebidos, $l->spam, $l->virus,
+                $l->comErro];
+            foreach ($contas as $i => $n) {
+                $horas[$l->hora][$i + 1] += $n;
+            }
+            $incertos[$l->hora][] = $l->bytesIncertos(...);
+        }
+        foreach ($horas as $hora => &$linha) {
+            $duvidas = $incertos[$hora] ?? [];
+            $incerto = static function () use ($duvidas): bool {
+                foreach ($duvidas as $duvida) {
+                    if ($duvida()) {
+                        return true;
+                    }
+                }
+                return false;
+            };
+            $linha[2] = new Bytes($linha[2], $incerto);
+            $linha[4] = new Bytes($linha[4], $incerto);
+        }
+        return new Tabela('horas_do_usuario', $horas, true);
     }
 
     /** @param iterable<Posicao> $linhas */
@@ -155,6 +189,18 @@ final class Tabelas
             'ponto' => $c->ponto?->format(DATE_ATOM),
             'motivo' => $c->motivo?->getMessage(),
         ];
+    }
+
+    /** @param list<Resultado> $resultados of one relay each */
+    public static function saude(array $resultados, string $lingua): Tabela
+    {
+        $linhas = [];
+        foreach ($resultados as $r) {
+            foreach ($r->verificacoes as $v) {
+                $linhas[] = [$r->relay, $v->nome, $v->nivel->value, $v->texto($lingua), $v->conselho($lingua)];
+            }
+        }
+        return new Tabela('saude', $linhas);
     }
 
     private static function totaisDe(Totais $l): array

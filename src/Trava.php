@@ -12,17 +12,34 @@ final class Trava
     /** Who holds it: "1234 (php8.2, relreports)"; null when nobody is seen to. */
     public static function dono(): ?string
     {
-        clearstatcache(true, self::ARQUIVO);
-        $inodo = @fileinode(self::ARQUIVO);
-        if ($inodo === false) {
+        $pid = self::processoDono();
+        return $pid === null ? null : self::processo($pid);
+    }
+
+    /**
+     * The same with its age: process, seconds since it began, who it is.
+     *
+     * @return ?array{int, int, string}
+     */
+    public static function donoComIdade(): ?array
+    {
+        $pid = self::processoDono();
+        if ($pid === null) {
             return null;
         }
-        foreach (@file('/proc/locks') ?: [] as $linha) {
-            if (preg_match('/^\d+: POSIX .* (\d+) [0-9a-f]+:[0-9a-f]+:(\d+) /', $linha, $m) && (int) $m[2] === $inodo) {
-                return self::processo((int) $m[1]);
-            }
-        }
-        return null;
+        // Ticks of a hundredth of a second after the machine's start, behind the name, which may hold anything.
+        $campos = explode(' ', preg_replace('/^.*\) /s', '', (string) @file_get_contents("/proc/$pid/stat")));
+        $ligada = (float) @file_get_contents('/proc/uptime');
+        $idade = isset($campos[19]) ? (int) ($ligada - (int) $campos[19] / 100) : 0;
+        return [$pid, max(0, $idade), self::processo($pid)];
+    }
+
+    /** @return ?array{bool, int} whether it is a plain file, its owner; null when it is not there */
+    public static function arquivo(): ?array
+    {
+        clearstatcache(true, self::ARQUIVO);
+        $l = @lstat(self::ARQUIVO);
+        return $l === false ? null : [($l['mode'] & 0170000) === 0100000, $l['uid']];
     }
 
     /** Whether this user could not take it even if nobody held it. */
@@ -31,6 +48,21 @@ final class Trava
         clearstatcache(true, self::ARQUIVO);
         return is_link(self::ARQUIVO)
             || (file_exists(self::ARQUIVO) && (!is_file(self::ARQUIVO) || !is_writable(self::ARQUIVO)));
+    }
+
+    private static function processoDono(): ?int
+    {
+        clearstatcache(true, self::ARQUIVO);
+        $inodo = @fileinode(self::ARQUIVO);
+        if ($inodo === false) {
+            return null;
+        }
+        foreach (@file('/proc/locks') ?: [] as $linha) {
+            if (preg_match('/^\d+: POSIX .* (\d+) [0-9a-f]+:[0-9a-f]+:(\d+) /', $linha, $m) && (int) $m[2] === $inodo) {
+                return (int) $m[1];
+            }
+        }
+        return null;
     }
 
     private static function processo(int $pid): string

@@ -15,6 +15,7 @@ use Symfony\Component\Console\Input\InputOption;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
+use Vorna\Mrel\Versao;
 use Vorna\Mrel\Visivel;
 
 /** The command vtmrel: which commands there are, and how it ends when something is wrong. */
@@ -35,12 +36,13 @@ final class Aplicacao extends Application
         'rastro' => Rastro::class, 'trace' => Rastro::class,
         'consolida' => Consolida::class, 'consolidate' => Consolida::class,
         'exporta' => Exporta::class, 'export' => Exporta::class,
+        'verifica' => Verifica::class, 'check' => Verifica::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 
     public function __construct()
     {
-        parent::__construct('vtmrel', '1.0');
+        parent::__construct('vtmrel', Versao::PACOTE);
         $this->setAutoExit(false);
         $this->setCatchExceptions(false);
         $this->setCommandLoader(new FactoryCommandLoader(

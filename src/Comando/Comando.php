@@ -18,6 +18,8 @@ abstract class Comando extends Command
     public const OPCOES = [];
     /** The tables that it answers with, as in Rotulos; and when, if there are several. */
     public const TABELAS = [];
+    /** Whether it answers for all relays of a configuration at once. */
+    public const VARIOS = false;
 
     /** @var list<string> */
     private array $exemplos = [];
@@ -42,7 +44,7 @@ abstract class Comando extends Command
     final protected function execute(InputInterface $input, OutputInterface $output): int
     {
         \assert($output instanceof Saida);
-        return $this->responde(new Pedido($input, $output->eTerminal()), $output);
+        return $this->responde(new Pedido($input, $output->eTerminal(), static::VARIOS), $output);
     }
 
     public function complete(CompletionInput $input, CompletionSuggestions $suggestions): void

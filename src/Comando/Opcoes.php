@@ -74,6 +74,14 @@ final class Opcoes
             'tokens in place of names; domains stay, texts do not'],
         'chave' => ['key', 'FILE', self::VALOR, 'a chave dos símbolos, feita se não houver; sem ela uma só desta vez',
             'the key of the tokens, made when missing; without it one of this run only'],
+        'json' => ['json', '', self::SEM, 'um objeto JSON com estado, quando e verificacoes',
+            'a JSON object with estado, quando and verificacoes'],
+        'prom' => ['prom', 'FILE', self::VALOR, 'escreve também as medidas para o Prometheus, inteiras ou nada',
+            'writes the figures for Prometheus too, whole or not at all'],
+        'sem' => ['without', 'LIST', self::VALOR, 'verificações que não se fazem, separadas por ","',
+            'checks that are not done, parted by ","'],
+        'por-hora' => ['per-hour', 'N', self::VALOR, 'mensagens por hora a que um usuário pode chegar; sem ela 500',
+            'messages an hour that a user may send; without it 500'],
     ];
 
     /** English values of options, and what they stand for. */

@@ -20,24 +20,25 @@ use Vorna\Mrel\Relay;
 /** What was asked for at the command line, in the library's terms. */
 final readonly class Pedido
 {
-    private const CONFIGURACAO = '/etc/vt-mrel.ini';
-
     public Relay $relay;
+    /** @var non-empty-list<Relay> all of the configuration, when none was chosen and the command takes several */
+    public array $relays;
     public string $lingua;
     /** One of Opcoes::FORMATOS. */
     public string $formato;
 
-    public function __construct(private InputInterface $entrada, bool $terminal)
+    public function __construct(private InputInterface $entrada, bool $terminal, bool $varios = false)
     {
         $this->lingua = $this->escolha('lingua', Opcoes::LINGUAS) ?? Lingua::doAmbiente();
         $this->formato = $this->escolha('formato', Opcoes::FORMATOS) ?? ($terminal ? 'tabela' : 'csv');
-        $this->relay = $this->umRelay();
+        $this->relays = array_map($this->comOpcoes(...), $this->bases($varios));
+        $this->relay = $this->relays[0];
     }
 
     /** @return list<string> the names that --relay may have */
     public static function relays(?string $config): array
     {
-        return array_map('strval', array_keys(Configuracao::le($config ?? self::configuracao())->relays));
+        return array_map('strval', array_keys(Configuracao::le($config ?? Configuracao::arquivo())->relays));
     }
 
     public function relatorios(): Relatorios
@@ -116,35 +117,38 @@ final readonly class Pedido
         return in_array($valor, $possiveis, true) ? $valor : throw UsoErrado::valor($opcao, $texto, $possiveis);
     }
 
-    /** That of the configuration, with what options say instead; or one made of options alone. */
-    private function umRelay(): Relay
+    /** @return non-empty-list<?Relay> those of the configuration; null for one made of options alone */
+    private function bases(bool $varios): array
     {
         [$dados, $config, $nome] = [$this->texto('dados'), $this->texto('config'), $this->texto('relay')];
         if ($nome !== null && !preg_match('//u', $nome)) {
             throw EntradaInvalida::texto($nome);
         }
-        $base = null;
-        if ($config !== null || $dados === null) {
-            $arquivo = $config ?? self::configuracao();
-            if ($config === null && $arquivo === self::CONFIGURACAO && !file_exists($arquivo)) {
-                throw UsoErrado::semDados($arquivo);
-            }
-            $base = Configuracao::le($arquivo)->relay($nome);
+        if ($config === null && $dados !== null) {
+            return [null];
         }
+        $arquivo = $config ?? Configuracao::arquivo();
+        if ($config === null && !getenv('VT_MREL_CONFIG') && !file_exists($arquivo)) {
+            throw UsoErrado::semDados($arquivo);
+        }
+        $configuracao = Configuracao::le($arquivo);
+        return $varios && $nome === null && $dados === null
+            ? array_values($configuracao->relays) : [$configuracao->relay($nome)];
+    }
+
+    /** With what options say instead. */
+    private function comOpcoes(?Relay $base): Relay
+    {
         $fuso = $this->texto('fuso');
         $dominios = $this->texto('dominios-locais');
         return new Relay(
-            $dados ?? $base->dados,
-            $base->nome ?? $nome ?? 'local',
+            $this->texto('dados') ?? $base->dados,
+            $base->nome ?? $this->texto('relay') ?? 'local',
             $this->texto('logs') ?? $base?->logs,
             $this->texto('ponto') ?? $base?->ponto,
             $dominios !== null ? Relay::dominios($dominios) : $base->dominios ?? [],
             $fuso !== null ? Fuso::de($fuso) : $base?->fuso,
+            $base?->saude,
         );
-    }
-
-    private static function configuracao(): string
-    {
-        return getenv('VT_MREL_CONFIG') ?: self::CONFIGURACAO;
     }
 }

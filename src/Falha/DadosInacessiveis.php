@@ -45,6 +45,15 @@ final class DadosInacessiveis extends Falha
         );
     }
 
+    public static function semResultado(string $caminho): self
+    {
+        $c = self::cita($caminho);
+        return new self(
+            "$c não é um resultado de vtmrel verifica: rode-o de novo.",
+            "$c is no result of vtmrel verifica: run that again."
+        );
+    }
+
     public static function recusado(string $caminho): self
     {
         $c = self::cita($caminho);

@@ -72,6 +72,31 @@ final class EntradaInvalida extends Falha
         );
     }
 
+    public static function cursor(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "O cursor \"$t\" não é de uma página: recomece da primeira.",
+            "The cursor \"$t\" is no page's: begin at the first one again."
+        );
+    }
+
+    public static function hora(int $hora): self
+    {
+        return new self(
+            "$hora não é uma hora do dia: escreva um número de 0 a 23.",
+            "$hora is not an hour of the day: write a number from 0 to 23."
+        );
+    }
+
+    public static function naoConfigurado(string $chave): self
+    {
+        return new self(
+            "A configuração não diz \"$chave\": acrescente-o, ou deixe esta verificação de fora com --sem.",
+            "The configuration does not say \"$chave\": add it, or leave this check out with --without."
+        );
+    }
+
     public static function filtro(string $frase, string $emIngles): self
     {
         return new self($frase, $emIngles);

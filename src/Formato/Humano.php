@@ -40,6 +40,16 @@ final readonly class Humano
         return $this->ingles || $dia === '' ? $dia : implode('/', array_reverse(explode('-', $dia)));
     }
 
+    /** "2026-03-10" as "ter 10/03", in English "Tue 03-10": for lists whose year is told elsewhere. */
+    public function diaCurto(string $dia): string
+    {
+        $semana = $this->ingles
+            ? ['Sun', 'Mon', 'Tue', 'Wed', 'Thu', 'Fri', 'Sat'] : ['dom', 'seg', 'ter', 'qua', 'qui', 'sex', 'sáb'];
+        [$ano, $mes, $n] = array_map('intval', explode('-', $dia));
+        return $semana[(int) gmdate('w', gmmktime(12, 0, 0, $mes, $n, $ano))] . ' '
+            . ($this->ingles ? substr($dia, 5) : sprintf('%02d/%02d', $n, $mes));
+    }
+
     /** "2026-03-10T08:15:00-03:00" as "10/03/2026 08:15:00". */
     public function instante(string $iso): string
     {

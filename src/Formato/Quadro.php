@@ -24,6 +24,8 @@ final class Quadro implements Formato
     private readonly Rotulos $rotulos;
     private readonly Humano $humano;
     private bool $incertos = false;
+    /** @var array<string, \DateTimeImmutable> */
+    private array $abertos = [];
 
     public function __construct(private readonly string $lingua = 'pt')
     {
@@ -33,7 +35,7 @@ final class Quadro implements Formato
 
     public function pedacos(Tabela $tabela): \Generator
     {
-        $this->incertos = false;
+        $this->comeca($tabela);
         $colunas = $tabela->colunas;
         $linhas = [];
         $larguras = $direita = null;
@@ -62,6 +64,9 @@ final class Quadro implements Formato
         yield ($inicio ? $this->cabeca($tabela, $larguras, $direita) : '') . self::texto($linhas, $larguras, $direita);
         if ($this->incertos) {
             yield '* ' . $this->rotulos->incerto() . "\n";
+        }
+        foreach ($tabela->abertos as $dia => $ate) {
+            yield $this->rotulos->naoTerminou($this->humano->dia($dia), $ate) . "\n";
         }
     }
 
@@ -99,11 +104,17 @@ final class Quadro implements Formato
             };
         }
         return match (true) {
-            $coluna === 'dia' => $this->humano->dia($valor),
+            $coluna === 'dia' => $this->dia($valor),
             isset(self::INSTANTES[$coluna]) => $this->humano->instante($valor),
             isset(self::PALAVRAS[$coluna]) => $this->rotulos->valor($valor),
             default => Visivel::texto($valor),
         };
+    }
+
+    private function dia(string $dia): string
+    {
+        $ate = $this->abertos[$dia] ?? null;
+        return $this->humano->dia($dia) . ($ate === null ? '' : " ({$this->rotulos->ate($ate)})");
     }
 
     private function celulas(array $colunas, array $linha): array
@@ -111,7 +122,28 @@ final class Quadro implements Formato
         return array_map($this->celula(...), $colunas, $linha);
     }
 
-    private static function soma(array $colunas, array $somas, array $linha): array
+    /** Cells are those of this table from now on. */
+    public function comeca(Tabela $tabela): void
+    {
+        $this->incertos = false;
+        $this->abertos = $tabela->abertos;
+    }
+
+    /** Whether a cell was marked as uncertain since the last table began. */
+    public function temIncertos(): bool
+    {
+        return $this->incertos;
+    }
+
+    /**
+     * Adds a row to the sums of columns; numbers that are names are left out.
+     *
+     * @param list<string> $colunas
+     * @param array<int, int|Bytes> $somas so far, by the column's place
+     * @param list<int|Bytes|string|null> $linha
+     * @return array<int, int|Bytes>
+     */
+    public static function soma(array $colunas, array $somas, array $linha): array
     {
         foreach ($linha as $i => $valor) {
             if ($valor instanceof Bytes) {
@@ -127,7 +159,14 @@ final class Quadro implements Formato
         return $somas;
     }
 
-    private function total(array $colunas, array $somas): array
+    /**
+     * The row of the sums as people read it.
+     *
+     * @param list<string> $colunas
+     * @param array<int, int|Bytes> $somas
+     * @return list<string>
+     */
+    public function total(array $colunas, array $somas): array
     {
         $celulas = [];
         foreach ($colunas as $i => $coluna) {

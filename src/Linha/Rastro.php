@@ -23,6 +23,8 @@ final readonly class Rastro
         /** The story as the engine tells it, dated lines included; may be "". */
         public string $texto,
         public array $destinatarios,
+        /** Whether the relay gave up: there is no further attempt, though no end was noted. */
+        public bool $desistiu = false,
     ) {
     }
 }

@@ -6,7 +6,14 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Testes;
 
+use Vorna\Mrel\Busca;
+use Vorna\Mrel\Cursor;
+use Vorna\Mrel\Dias;
 use Vorna\Mrel\Falha;
+use Vorna\Mrel\Filtro;
+use Vorna\Mrel\Folheio;
+use Vorna\Mrel\Linha\Mensagem;
+use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Relatorios;
 use Vorna\Mrel\Relay;
 
@@ -46,6 +53,26 @@ final class Arvore
     public function relatorios(string ...$dominios): Relatorios
     {
         return new Relatorios($this->relay(...$dominios));
+    }
+
+    /**
+     * All messages of a search, page by page as one goes on.
+     *
+     * @return list<Mensagem> newest first
+     */
+    public static function paginas(Relay $relay, Periodo $periodo, Filtro $filtro, int $n, int $bloco): array
+    {
+        $dias = new Dias($relay->dados);
+        $arquivos = $dias->arquivos(Dias::COMPACTO, $periodo);
+        $anteriores = array_diff_key($dias->legiveis(Dias::COMPACTO, $periodo->alargado(Busca::DIAS_ANTES)), $arquivos);
+        $mensagens = [];
+        $cursor = null;
+        do {
+            $pagina = (new Folheio($arquivos, $anteriores, $periodo, $filtro, $bloco))->pagina($cursor, $n);
+            array_push($mensagens, ...$pagina->mensagens);
+            $cursor = $pagina->cursor === null ? null : Cursor::le($pagina->cursor);
+        } while ($cursor && (count($pagina->mensagens) === $n || $pagina->pausa));
+        return $mensagens;
     }
 
     public function caminho(string $tipo, string $dia): string

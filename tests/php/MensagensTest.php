@@ -35,6 +35,9 @@ final class MensagensTest extends TestCase
     private function lista(Periodo $periodo, Filtro $filtro): array
     {
         $linhas = iterator_to_array($this->arvore->relatorios()->mensagens($periodo, $filtro), false);
+        foreach ([[1, 60], [2, 150], [200, 1 << 20]] as [$n, $bloco]) {
+            self::assertEquals(array_reverse($linhas), Arvore::paginas($this->arvore->relay(), $periodo, $filtro, $n, $bloco), "$n a page");
+        }
         return array_map(static fn (Mensagem $m): string => implode(' ', [$m->id, $m->sentido->value,
             $m->quando?->format('d H:i') ?? '-', $m->remetente ?? '?', $m->bytes ?? '?', $m->estado->value]), $linhas);
     }

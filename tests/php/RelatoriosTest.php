@@ -173,6 +173,25 @@ final class RelatoriosTest extends TestCase
         self::assertGreaterThan(300, $erros);
     }
 
+    /** Pages hold the same rows, backwards, wherever they and the blocks of the files end. */
+    public function testPaginas(): void
+    {
+        $nomes = array_column([...$this->r->topo($this->p, Contador::Enviadas, 6), ...$this->r->topo($this->p, Contador::Recebidas, 6)], 'nome');
+        $filtros = [['remetente' => $nomes[0], 'destinatario' => $nomes[6]], ['todas' => true, 'hora' => 9],
+            ['usuario' => substr($nomes[0], 0, 2) . '*', 'minKb' => 200]];
+        foreach ($nomes as $nome) {
+            array_push($filtros, ['usuario' => $nome], ['remetente' => $nome, 'maxKb' => 9], ['destinatario' => $nome, 'hora' => 15]);
+        }
+        $ultimos = Periodo::ultimos(2, $this->p->ultimo, $this->p->fuso);
+        foreach ($filtros as $n => $f) {
+            foreach ([$this->p, $ultimos] as $p) {
+                $todas = array_reverse(iterator_to_array($this->r->mensagens($p, new Filtro(...$f)), false));
+                $tamanho = [700, 20000, 1 << 20][$n % 3];
+                self::assertEquals($todas, Arvore::paginas($this->relay, $p, new Filtro(...$f), 37, $tamanho), json_encode($f));
+            }
+        }
+    }
+
     /** Both sides and both names together are made of the lists of one side, by id. */
     public function testMensagensDosDoisLados(): void
     {

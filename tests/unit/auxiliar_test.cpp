@@ -15,6 +15,7 @@
 #include "misc/bytes.h"
 #include "misc/finais.h"
 #include "misc/palavras.h"
+#include "tests/unit/apoio/um_a_um.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "misc/escrita.h"
 #include "tests/unit/apoio/rele.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The records' memory: places are distinct, used again, and go back to the system.
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The indexed table against a plain list: the same answers after every random step.
-#include "common/Tabela.h"
+#include "misc/tabela.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "borland/XmlValueStore.h"
-#include "misc/xmlhelper.h"
+#include "borland/xmlhelper.h"
 #include "tests/unit/apoio/arvore.h"
 #include "tests/unit/apoio/limite.h"
 

@@ -1,10 +1,10 @@
 // Memory of the texts that records share.
-#include "common/Texto.h"
+#include "misc/texto.h"
 
 #include <array>
 #include <utility>
 
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 namespace {
 

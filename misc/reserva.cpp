@@ -1,5 +1,5 @@
 // Memory for the records of one kind.
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 #include <sys/mman.h>
 

@@ -2,70 +2,15 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
-#include <string_view>
-#include <utility>
 
-#include "common/DList.h"
-#include "common/Reserva.h"
-#include "misc/bytes.h"
-
-// Drawn once a process: the keys come from whoever sends mail, who must not be able to choose texts
-// that all fall into one place.
-extern const std::uint64_t semente_das_chaves;
-
-// Both halves of a product, which depend on every bit of both factors.
-inline std::uint64_t mistura(std::uint64_t a, std::uint64_t b) {
-#ifdef __SIZEOF_INT128__
-    const auto produto = static_cast<unsigned __int128>(a) * b;
-    return static_cast<std::uint64_t>(produto) ^ static_cast<std::uint64_t>(produto >> 64);
-#else
-    // A processor of 32 bits has no such product.
-    const std::uint64_t h = (a ^ std::rotl(b, 32)) * 0x9E3779B97F4A7C15u;
-    return ((h ^ h >> 32) + b) * 0xD1B54A32D192ED03u;
-#endif
-}
-
-// Hash of a key's bytes: sixteen at a time, the last ones perhaps twice.
-inline std::uint32_t hash_chave(const char* chave, std::size_t tamanho) {
-    // Multiplied by the seed, so that nobody can make up for another length with other bytes.
-    std::uint64_t h = semente_das_chaves * (2 * std::uint64_t{tamanho} + 1);
-    std::uint64_t primeiros = 0, ultimos = 0;
-    if (tamanho >= 8) {
-        const char* const fim = chave + tamanho;
-        for (; fim - chave > 16; chave += 16)
-            h = mistura(oito_bytes(chave) ^ h, oito_bytes(chave + 8) ^ ~semente_das_chaves);
-        primeiros = tamanho < 16 ? oito_bytes(chave) : oito_bytes(fim - 16);
-        ultimos = oito_bytes(fim - 8);
-    } else {
-        std::memcpy(&ultimos, chave, tamanho);
-    }
-    h = mistura(primeiros ^ h, ultimos ^ ~semente_das_chaves);
-    return static_cast<std::uint32_t>(h ^ h >> 32);
-}
-
-// A key to look for, its hash computed once for all the lookups.
-struct Chave {
-    const char* texto = nullptr;
-    std::size_t tamanho = 0;
-    std::uint32_t hash = 0;
-
-    Chave() = default;
-    Chave(const char* t, std::size_t n) : texto(t), tamanho(n), hash(hash_chave(t, n)) {}
-    explicit Chave(const char* t) : Chave(t, std::strlen(t)) {}
-    operator std::string_view() const { return {texto, tamanho}; }
-};
-
-// Whether a key kept in a field of `n` bytes, zero to its end, is this one.
-template <std::size_t n>
-bool igual_ao_campo(const char (&campo)[n], const Chave& c) {
-    return c.tamanho < n && campo[c.tamanho] == '\0' && mesmos_bytes(campo, c.texto, c.tamanho);
-}
+#include "misc/chave.h"
+#include "misc/dlist.h"
+#include "misc/reserva.h"
 
 // Whether a record's key is this one; records that know the length of theirs have a quicker answer.
 template <class T>
@@ -100,13 +45,13 @@ class Tabela {
 
     // As above, with the hash of its key known.
     void putFirst(T* e, std::uint32_t hash) {
-        reserva();
+        conta_mais_um();
         indexa_primeiro(e, hash);
         lista_.putFirst(e);
     }
 
     void putLast(T* e) {
-        reserva();
+        conta_mais_um();
         indexa_ultimo({e, Chave(chave(*e)).hash});
         lista_.putLast(e);
     }
@@ -222,8 +167,8 @@ class Tabela {
         vagas_[livre] = {};
     }
 
-    // Makes room for one more element: at least a quarter of the places stay free.
-    void reserva() {
+    // Counts one more element, and makes room for it: at least a quarter of the places stay free.
+    void conta_mais_um() {
         if (!vagas_ || (total_ + 1) * 4 > (mascara_ + 1) * 3) cresce();
         ++total_;
     }

@@ -1,5 +1,5 @@
 // The seed of the tables' keys.
-#include "common/Tabela.h"
+#include "misc/chave.h"
 
 #include <random>
 

@@ -1,5 +1,5 @@
 // The tag reader: a loop over the characters with one function a state.
-#include "misc/xmlhelper.h"
+#include "borland/xmlhelper.h"
 
 #include <strings.h>
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "common/Reserva.h"
+#include "misc/reserva.h"
 
 // Hands out pieces of large blocks, zeroed. No piece is given back alone, so records and texts that
 // live as long as their owner need no bookkeeping and lie side by side.
