@@ -117,6 +117,8 @@ check_man() {
 # each CHECK ...: runs them all, then tells whether all passed.
 each() {
     deps
+    # shellcheck disable=SC2086
+    need $test_packages
     mkdir -p out
     bad=0
     for c in "$@"; do

@@ -2,6 +2,8 @@
 
 fleet() {
     build
+    # shellcheck disable=SC2086
+    need $fleet_packages
     cmake_build release gera_logs
     say "fleet"
     mail=$root/out/frota peers=$root/out/frota-npm

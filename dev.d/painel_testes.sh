@@ -4,8 +4,7 @@
 pages_ready() {
     build
     # shellcheck disable=SC2086
-    need $pages
-    command -v java >/dev/null || need default-jre-headless
+    need $pages_packages
     cmake_build release gera_logs
     need_npm "$root/out/npm" --ignore-scripts puppeteer-core@24.43.1 axe-core@4.14.1 vnu-jar@26.9.27
 }
