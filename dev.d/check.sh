@@ -173,6 +173,8 @@ check_cppcheck() {
 arginfo() {
     asked_here arginfo || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     generate_arginfo out/arginfo
     cp out/arginfo/*_arginfo.h php/
 }
@@ -180,6 +182,8 @@ arginfo() {
 format() {
     asked_here format || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     "clang-format-$llvm" -i $(sources)
 }
 
