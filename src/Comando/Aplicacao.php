@@ -37,6 +37,7 @@ final class Aplicacao extends Application
         'consolida' => Consolida::class, 'consolidate' => Consolida::class,
         'exporta' => Exporta::class, 'export' => Exporta::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
+        'exame' => Exame::class, 'doctor' => Exame::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 

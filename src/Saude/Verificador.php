@@ -156,7 +156,17 @@ class Verificador
     private function logs(): Verificacao
     {
         ($this->relay->logs ?? '') !== '' || throw EntradaInvalida::naoConfigurado('logs');
-        return Rotacao::logs(Registro::de($this->relay->logs, $this->relay->fuso), $this->s->ponto(), $this->s->agora);
+        return Rotacao::logs(
+            Registro::de($this->relay->logs, $this->relay->fuso, $this->logsInteirosDesde()),
+            $this->s->ponto(),
+            $this->s->agora
+        );
+    }
+
+    /** From which day on logs are read whole; null for none. */
+    protected function logsInteirosDesde(): ?string
+    {
+        return null;
     }
 
     /** The last complete day, and today as far as it is there. */
