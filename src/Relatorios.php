@@ -143,6 +143,19 @@ final readonly class Relatorios
     }
 
     /**
+     * All users of some domains together, 24 rows for each day that has files, oldest first.
+     *
+     * @param non-empty-list<string> $dominios
+     * @param bool $semDominio whether names without a domain are theirs too
+     * @return \Generator<int, HoraDeUsuario> whose user is the list of the domains
+     */
+    public function horasDosDominios(Periodo $periodo, array $dominios, bool $semDominio): \Generator
+    {
+        $arquivos = $this->arquivos(Dias::ESTATISTICA, $periodo);
+        return $this->linhasDosDominios($periodo, $arquivos, new PorDominio($dominios, $semDominio), implode('; ', $dominios));
+    }
+
+    /**
      * The messages that a filter finds, each once, by `quando`, then id.
      *
      * @return \Generator<int, Mensagem>
@@ -306,6 +319,29 @@ final readonly class Relatorios
                 $itr->spam,
                 $this->transbordo->doDia($dia)
             );
+        }
+    }
+
+    private function linhasDosDominios(Periodo $periodo, array $arquivos, PorDominio $soma, string $nome): \Generator
+    {
+        foreach ($arquivos as $dia => $arquivo) {
+            foreach ($soma->horas($arquivo) as $segundos => [$enviadas, $bytesE, $recebidas, $bytesR, $virus, $spam, $erros]) {
+                $inicio = (new \DateTimeImmutable("@$segundos"))->setTimezone($periodo->fuso);
+                yield new HoraDeUsuario(
+                    $nome,
+                    $dia,
+                    $inicio,
+                    (int) $inicio->format('G'),
+                    $enviadas,
+                    $bytesE,
+                    $recebidas,
+                    $bytesR,
+                    $spam,
+                    $virus,
+                    $erros,
+                    $this->transbordo->doDia($dia)
+                );
+            }
         }
     }
 }

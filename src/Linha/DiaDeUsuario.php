@@ -23,6 +23,33 @@ final readonly class DiaDeUsuario
     ) {
     }
 
+    /**
+     * The days of rows by hour.
+     *
+     * @param iterable<HoraDeUsuario> $horas
+     * @return list<self> in the order of the rows
+     */
+    public static function somados(iterable $horas): array
+    {
+        $dias = [];
+        foreach ($horas as $h) {
+            $o = $dias[$h->dia] ?? null;
+            $dias[$h->dia] = new self(
+                $h->usuario,
+                $h->dia,
+                $h->enviadas + ($o->enviadas ?? 0),
+                $h->bytesEnviados + ($o->bytesEnviados ?? 0),
+                $h->recebidas + ($o->recebidas ?? 0),
+                $h->bytesRecebidos + ($o->bytesRecebidos ?? 0),
+                $h->spam + ($o->spam ?? 0),
+                $h->virus + ($o->virus ?? 0),
+                $h->comErro + ($o->comErro ?? 0),
+                $h->bytesIncertos(...)
+            );
+        }
+        return array_values($dias);
+    }
+
     /** Whether the bytes may have begun again at 0: the counters are of 32 bits. Reads the day's events. */
     public function bytesIncertos(): bool
     {

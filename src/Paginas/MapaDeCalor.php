@@ -20,14 +20,13 @@ final class MapaDeCalor
     public readonly array $totais;
     public readonly string $total;
 
-    /** @param array<string, list<list<int>>> $dias as Relatorios::horasPorDia answers */
-    public function __construct(array $dias, Enderecos $enderecos, string $lingua)
+    /**
+     * @param array<string, list<int>> $mensagens by day, of its 24 hours
+     * @param ?\Closure(string, int): string $endereco of the messages of a day and hour; null where none leads to them
+     */
+    public function __construct(array $mensagens, ?\Closure $endereco, string $lingua)
     {
         $humano = new Humano($lingua);
-        $mensagens = array_map(
-            static fn (array $horas): array => array_map(static fn (array $h): int => $h[0] + $h[2], $horas),
-            $dias
-        );
         $maior = max(1, 1, ...array_map(static fn (array $horas): int => max($horas), array_values($mensagens)));
         $somas = array_fill(0, 24, 0);
         $linhas = [];
@@ -38,8 +37,7 @@ final class MapaDeCalor
                 $celulas[] = [
                     'n' => $humano->numero($n),
                     'passo' => $n === 0 ? 0 : max(1, (int) ceil($n / $maior * self::PASSOS)),
-                    'endereco' => $n === 0
-                        ? null : $enderecos->de('mensagens', ['de' => $dia, 'ate' => $dia, 'hora' => $hora]),
+                    'endereco' => $n === 0 || $endereco === null ? null : $endereco((string) $dia, $hora),
                 ];
             }
             $linhas[] = [

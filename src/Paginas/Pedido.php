@@ -6,6 +6,7 @@ namespace Vorna\Mrel\Paginas;
 
 use Vorna\Mrel\Calendario;
 use Vorna\Mrel\EmAberto;
+use Vorna\Mrel\Linha\HoraDeUsuario;
 use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Relatorios;
 use Vorna\Mrel\Relay;
@@ -68,10 +69,16 @@ final class Pedido
         return !$this->parametros->erros();
     }
 
-    /** @throws SemAcesso for whoever may not see all domains */
-    public function exigeTudo(): void
+    /**
+     * For who may see some domains: the hours of all their users together, on each day.
+     *
+     * @return list<HoraDeUsuario>
+     */
+    public function horasDosDominios(Periodo $periodo): array
     {
-        $this->permissao->tudo() || throw SemAcesso::deTodos();
+        $permissao = $this->permissao;
+        $horas = $this->relatorios->horasDosDominios($periodo, $permissao->dominios(), $permissao->semDominio);
+        return iterator_to_array($horas, false);
     }
 
     /**

@@ -14,7 +14,7 @@ final readonly class Permissao
     /** @var ?array<string, true> in small letters; null for all */
     private ?array $dominios;
     /** Whether names without a domain are seen: only if they are, whichever local domain they are of. */
-    private bool $semDominio;
+    public bool $semDominio;
 
     public function __construct(Acesso $acesso, Relay $relay)
     {
@@ -32,6 +32,12 @@ final readonly class Permissao
     public function nada(): bool
     {
         return $this->dominios === [];
+    }
+
+    /** @return list<string> those that may be seen, where they are not all */
+    public function dominios(): array
+    {
+        return array_map('strval', array_keys($this->dominios ?? []));
     }
 
     /** Whether this sender's or recipient's mail may be seen. */

@@ -16,12 +16,4 @@ final class SemAcesso extends Falha
             'Your access includes no domain of this relay: ask whoever manages access for it.'
         );
     }
-
-    public static function deTodos(): self
-    {
-        return new self(
-            'Esta página soma o correio de todos os domínios, e seu acesso é a alguns: veja Usuário, Maiores ou Mensagens.',
-            'This page adds up the mail of all domains, and your access is to some: see User, Top or Messages.'
-        );
-    }
 }

@@ -4,6 +4,7 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Paginas\Pagina;
 
+use Vorna\Mrel\Linha\DiaDeUsuario;
 use Vorna\Mrel\Paginas\Conteudo;
 use Vorna\Mrel\Paginas\Lacunas;
 use Vorna\Mrel\Paginas\Pagina;
@@ -23,9 +24,10 @@ final class Dias extends Pagina
         if ($tabela === null) {
             return new Conteudo();
         }
+        $dia = array_search('dia', $tabela->colunas, true);
         $html = $pedido->html($tabela, [
-            'dia' => static fn (array $l): string => $pedido->enderecos->de('horas', ['de' => $l[0], 'ate' => $l[0]]),
-        ]);
+            'dia' => static fn (array $l): string => $pedido->enderecos->de('horas', ['de' => $l[$dia], 'ate' => $l[$dia]]),
+        ], ['usuario']);
         return new Conteudo([
             'tabela' => $html,
             'faltam' => Lacunas::em($pedido->periodo(), $html->valores('dia')),
@@ -34,8 +36,11 @@ final class Dias extends Pagina
 
     public function tabela(Pedido $pedido): ?Tabela
     {
-        $pedido->exigeTudo();
         $periodo = $pedido->periodo();
-        return $periodo === null ? null : Tabelas::dias($pedido->relatorios->totais($periodo));
+        return match (true) {
+            $periodo === null => null,
+            $pedido->permissao->tudo() => Tabelas::dias($pedido->relatorios->totais($periodo)),
+            default => Tabelas::diasDeUsuario(DiaDeUsuario::somados($pedido->horasDosDominios($periodo))),
+        };
     }
 }

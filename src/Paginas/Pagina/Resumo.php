@@ -7,6 +7,7 @@ namespace Vorna\Mrel\Paginas\Pagina;
 use Vorna\Mrel\Contador;
 use Vorna\Mrel\EmAberto;
 use Vorna\Mrel\Formato\Humano;
+use Vorna\Mrel\Linha\DiaDeUsuario;
 use Vorna\Mrel\Linha\Totais;
 use Vorna\Mrel\Paginas\Conteudo;
 use Vorna\Mrel\Paginas\Farol;
@@ -27,12 +28,14 @@ final class Resumo extends Pagina
 
     private const GRAFICO = 30;
     private const MAIORES = 5;
-    private const CONTADORES = ['internas' => 'internas', 'externas' => 'externas', 'spam' => 'spam',
+    /** Columns that have a card, and the row's property: of all mail, and of the mail of some domains. */
+    private const DE_TODOS = ['internas' => 'internas', 'externas' => 'externas', 'spam' => 'spam', 'virus' => 'virus',
+        'com_erro' => 'comErro'];
+    private const DE_ALGUNS = ['enviadas' => 'enviadas', 'recebidas' => 'recebidas', 'spam' => 'spam',
         'virus' => 'virus', 'com_erro' => 'comErro'];
 
     public function responde(Pedido $pedido): Conteudo
     {
-        $pedido->exigeTudo();
         $periodo = $pedido->periodo();
         if ($periodo === null) {
             return new Conteudo();
@@ -40,39 +43,46 @@ final class Resumo extends Pagina
         $dia = $periodo->ultimo;
         $mes = Periodo::ultimos(self::GRAFICO, $dia, $periodo->fuso);
         $abertos = (new EmAberto($pedido->relay, $pedido->agora))->dias($mes);
-        $totais = iterator_to_array($pedido->relatorios->totais($mes), false);
+        $tudo = $pedido->permissao->tudo();
+        $dias = $tudo ? iterator_to_array($pedido->relatorios->totais($mes), false)
+            : DiaDeUsuario::somados($pedido->horasDosDominios($mes));
+        $tabela = ($tudo ? Tabelas::dias($dias) : Tabelas::diasDeUsuario($dias))->comAbertos($abertos);
+        $com = array_map(static fn (Totais|DiaDeUsuario $d): string => $d->dia, $dias);
         $humano = new Humano($pedido->lingua);
-        $doDia = array_values(array_filter($totais, static fn (Totais $t): bool => $t->dia === $dia));
-        $antes = array_slice(array_filter($totais, static fn (Totais $t): bool => $t->dia < $dia), -Farol::DIAS);
+        $temDia = end($com) === $dia;
+        $antes = array_slice($temDia ? array_slice($dias, 0, -1) : $dias, -Farol::DIAS);
+        $coluna = array_search('dia', $tabela->colunas, true);
         return new Conteudo([
             'dia_mostrado' => $dia,
             'farol' => new Farol(
                 new Situacao($pedido->relay, $pedido->agora),
                 $humano->dia(...),
-                $doDia ? $totais : null,
+                $tudo && $temDia ? $dias : null,
                 $pedido->lingua
             ),
-            'contadores' => $doDia ? self::contadores($doDia[0], array_values($antes), $humano) : [],
+            'contadores' => $temDia
+                ? self::contadores(end($dias), $antes, $humano, $tudo ? self::DE_TODOS : self::DE_ALGUNS) : [],
             'comparados' => count($antes),
-            'tabela' => $pedido->html(Tabelas::dias($totais)->comAbertos($abertos), [
-                'dia' => static fn (array $l): string => $pedido->enderecos->de('horas', ['de' => $l[0], 'ate' => $l[0]]),
-            ]),
-            'faltam' => $totais ? Lacunas::em(
-                Periodo::de($totais[0]->dia, $dia, $periodo->fuso),
-                array_map(static fn (Totais $t): string => $t->dia, $totais)
-            ) : [],
+            'tabela' => $pedido->html($tabela, [
+                'dia' => static fn (array $l): string =>
+                    $pedido->enderecos->de('horas', ['de' => $l[$coluna], 'ate' => $l[$coluna]]),
+            ], ['usuario']),
+            'faltam' => $dias ? Lacunas::em(Periodo::de($com[0], $dia, $periodo->fuso), $com) : [],
             'remetentes' => self::maiores($pedido, $dia, Contador::Enviadas),
             'destinatarios' => self::maiores($pedido, $dia, Contador::Recebidas),
         ]);
     }
 
-    /** @param list<Totais> $antes */
-    private static function contadores(Totais $dia, array $antes, Humano $humano): array
+    /**
+     * @param list<Totais|DiaDeUsuario> $antes
+     * @param array<string, string> $campos property by column
+     */
+    private static function contadores(Totais|DiaDeUsuario $dia, array $antes, Humano $humano, array $campos): array
     {
         $contadores = [];
-        foreach (self::CONTADORES as $coluna => $campo) {
+        foreach ($campos as $coluna => $campo) {
             $n = $dia->$campo;
-            $media = $antes ? array_sum(array_map(static fn (Totais $t): int => $t->$campo, $antes)) / count($antes) : null;
+            $media = $antes ? array_sum(array_column($antes, $campo)) / count($antes) : null;
             $diferenca = $media > 0 ? 100 * ($n / $media - 1) : null;
             $contadores[$coluna] = [
                 'n' => $humano->numero($n),
@@ -88,7 +98,9 @@ final class Resumo extends Pagina
     {
         $periodo = Periodo::dia($dia, $pedido->relay->fuso);
         $enderecos = $pedido->enderecos;
-        return $pedido->html(Tabelas::topo($pedido->relatorios->topo($periodo, $por, self::MAIORES), $por, false), [
+        $so = $pedido->permissao->tudo() ? null : $pedido->permissao->ve(...);
+        $posicoes = $pedido->relatorios->topo($periodo, $por, self::MAIORES, false, $so);
+        return $pedido->html(Tabelas::topo($posicoes, $por, false), [
             'usuario' => static fn (array $l): string => $enderecos->de('usuario', ['usuario' => $l[1]]),
         ]);
     }
