@@ -45,6 +45,40 @@ final class ExameTest extends TestCase
         self::assertSame([], $viu['somas']->detalhes('pt'));
     }
 
+    /** Events in any order, of few messages, over three midnights: to the last figure as the engine counts them. */
+    public function testAoAcaso(): void
+    {
+        $mes = Mes::copia();
+        $eventos = ['MAILQ SUBMIT Msg %1$s de %4$s remetente %2$s com %5$d bytes', 'MAILQ SUBMIT Msg %1$s de %4$s remetente com %5$d bytes',
+            'MAILQ DELIVER Msg %1$s', 'MAILSMTP DELIVER Msg %1$s', 'MAILQ OK Msg %1$s para %2$s', 'MAILSMTP OK Msg %1$s para %2$s',
+            'MAILSMTP OK Msg %1$s para %2$s', 'MAILSMTP OK Msg %1$s para semarroba', 'MAILQ END Msg %1$s', 'MAILSMTP END Msg %1$s',
+            'MAILSMTP ERROR_CONNECT Msg %1$s a em %3$s', 'MAILSMTP ERROR_SENDER Msg %1$s a b c d %3$s', 'MAILSMTP ERROR_DEST Msg %1$s a %2$s',
+            'MAILSMTP ERROR_FINAL Msg %1$s 550 5.1.1 nao, nao e nao, nunca mais aqui', 'MAILSMTP ERROR_DATA Msg %1$s', 'MAILSMTP ERROR_HELO Msg %1$s a %3$s',
+            'MAILSMTP ERROR_SIZE Msg %1$s', 'MAILSMTP ERROR_DOMAIN Msg %1$s Dominio %3$s', 'MAILSMTP RETRY_DEST Msg %1$s %2$s', 'ANTIVIRUS VIRUS Msg %1$s',
+            'SPAMCATCHER TAGGED Msg %1$s', 'POPSRV READ Msg %1$s', 'POPSRV QUIT Msg %1$s'];
+        foreach ([1, 2, 3] as $semente) {
+            mt_srand($semente);
+            array_map('unlink', glob("$mes->raiz/{logs/*,dat/rels*/*,ponto}", GLOB_BRACE));
+            $log = '';
+            for ($t = strtotime('2026-08-31 00:00:01 -03:00'); $t < strtotime('2026-09-03 06:00 -03:00'); $t += mt_rand(0, 90)) {
+                $quando = (new \DateTimeImmutable("@$t"))->setTimezone($mes->relay()->fuso);
+                // New messages all the time, each of which lives for a day or two.
+                $id = 'M' . (intdiv($t, 2500) - mt_rand(0, 60)) . (mt_rand(0, 30) ? '' : str_repeat('x', 20));
+                $log .= $quando->format('D M ') . sprintf('%2d', $quando->format('j')) . $quando->format(' H:i:s Y') . ': 09 '
+                    . sprintf($eventos[mt_rand(0, count($eventos) - 1)], $id, 'u' . mt_rand(0, 9) . '@d' . mt_rand(0, 2), 'd' . mt_rand(0, 2),
+                        ['INTERNO', 'SMTPCONNINT', 'SMTPCONNEXT'][mt_rand(0, 2)], mt_rand(0, 2000000000)) . "\n";
+            }
+            file_put_contents($mes->log(), $log);
+            Mes::consolida($mes->raiz);
+            $viu = self::examina($mes);
+            self::assertMatchesRegularExpression(
+                '/^[1-9]\d* contas de bytes recomeçaram do zero\.$/',
+                $viu['somas']->texto('pt'),
+                "semente $semente: " . implode("\n", $viu['somas']->detalhes('pt'))
+            );
+        }
+    }
+
     /** A run a night: what the point's file loses of messages in flight is explained, and there is little of it. */
     public function testPorNoite(): void
     {
