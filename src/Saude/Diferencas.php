@@ -13,16 +13,16 @@ final class Diferencas
     /** Single differences that are named. */
     private const NOMEADAS = 20;
 
-    /** @param array<string, Somas> $dias by day */
+    /** @param array<string, array{list<array{string, int, int, bool}>, list<array{string, int, int}>}> $dias as in Somas */
     public static function somas(array $dias): Verificacao
     {
         $danos = $explicadas = $voltas = [];
-        foreach ($dias as $dia => $somas) {
-            foreach ($somas->diferencas as [$onde, $noArquivo, $contado, $explicada]) {
+        foreach ($dias as $dia => [$diferencas, $recomecos]) {
+            foreach ($diferencas as [$onde, $noArquivo, $contado, $explicada]) {
                 $frases = self::diferenca($dia, $onde, $noArquivo, $contado, $explicada);
                 $explicada ? $explicadas[] = $frases : $danos[] = $frases;
             }
-            foreach ($somas->voltas as [$onde, $noArquivo, $verdadeiro]) {
+            foreach ($recomecos as [$onde, $noArquivo, $verdadeiro]) {
                 $onde = self::cita($onde);
                 $voltas[] = [
                     "$dia, $onde: $noArquivo recomeçou do zero aos 4 GiB; são $verdadeiro.",

@@ -19,12 +19,15 @@ final class Examinador extends Verificador
     /** Logs of so many days before the point are read whole: a blank line has cut a day that is to be repeated. */
     private const DIAS_DE_LOG = 7;
 
+    /** The lines of a block are taken apart while they are near: larger ones take a third more time. */
+    private const BLOCO = 1 << 15;
+
     private bool $lido = false;
     /** @var array<string, ?string> what is wrong with a file, "pt|en", by path */
     private array $rasgados = [];
     /** @var array<string, int> files that hold lines of another day, and how many */
     private array $deOutroDia = [];
-    /** @var array<string, Somas> by day */
+    /** @var array<string, array{list<array{string, int, int, bool}>, list<array{string, int, int}>}> as in Somas, by day */
     private array $somas = [];
     /** @var ?array{Recontagem, Recontagem} messages of the day before, and of the days before that */
     private ?array $anterior = null;
@@ -88,7 +91,7 @@ final class Examinador extends Verificador
         $inicio = $this->s->inicio($dia) ?? (new \DateTimeImmutable($dia, $this->relay->fuso))->getTimestamp();
         [$antes, $novo] = $this->carregadas($inicio);
         $novo->separa($antes[0]);
-        foreach (Compacto::blocos($compacto) as $bloco) {
+        foreach (Compacto::blocos($compacto, self::BLOCO) as $bloco) {
             $novo->conta($bloco);
         }
         $this->rasgados[$compacto] = Arquivos::compacto($compacto) ?? ($novo->estranhas === 0 ? null
@@ -99,13 +102,10 @@ final class Examinador extends Verificador
             $recontagem->fecha();
         }
         if ($texto !== null && !$this->rasgados[$estatistica] && !$this->rasgados[$compacto]) {
-            [$this->somas[$dia], $this->qual] = Somas::melhor(
-                $texto,
-                $novo,
-                $antes,
-                $this->ultimoDia !== Situacao::dia($dia, -1),
-                $this->qual
-            );
+            $semAntes = $this->ultimoDia !== Situacao::dia($dia, -1);
+            [$somas, $this->qual] = Somas::melhor($texto, $novo, $antes, $semAntes, $this->qual);
+            // Without the messages of the day, of which there are many.
+            $this->somas[$dia] = [$somas->diferencas, $somas->voltas];
         }
         $this->anterior = [$novo, $antes[$this->qual]];
         $this->ultimoDia = $this->rasgados[$compacto] === null ? $dia : null;
