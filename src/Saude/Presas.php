@@ -37,7 +37,11 @@ final class Presas
         $velhas = array_filter($submetidas, static fn (int $t): bool => $t < $limite);
         $n = count($submetidas);
         if (!$velhas) {
-            return Verificacao::ok('presas', "$n mensagens em curso, nenhuma há muito.", "$n messages in flight, none for long.");
+            return Verificacao::ok(
+                'presas',
+                "$n mensagens em curso, nenhuma há muito.",
+                "$n messages in flight, none for long."
+            );
         }
         asort($velhas);
         $id = (string) array_key_first($velhas);
@@ -47,8 +51,10 @@ final class Presas
             "$v mensagens em curso há mais de $dias dias; a mais antiga, $id, desde $desde.",
             "$v messages in flight for more than $dias days; the oldest, $id, since $desde.",
         ], [
-            "Veja vtmrel rastro $id e a fila do despachante; uma cujo fim nunca foi escrito no log fica para sempre, sem dano.",
-            "See vtmrel trace $id and the dispatcher's queue; one whose end was never logged stays for good, and does no harm.",
+            "Veja vtmrel rastro $id e a fila do despachante; uma cujo fim nunca foi escrito no log fica para sempre, "
+                . 'sem dano.',
+            "See vtmrel trace $id and the dispatcher's queue; one whose end was never logged stays for good, and does "
+                . 'no harm.',
         ]);
     }
 }
