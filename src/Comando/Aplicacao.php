@@ -13,6 +13,7 @@ use Symfony\Component\Console\Input\InputArgument;
 use Symfony\Component\Console\Input\InputDefinition;
 use Symfony\Component\Console\Input\InputOption;
 use Vorna\Mrel\Falha;
+use Vorna\Mrel\Falha\CartaNaoEnviada;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
 use Vorna\Mrel\Versao;
@@ -27,6 +28,9 @@ final class Aplicacao extends Application
     /** Wrong usage or configuration, data or module missing or unreadable. */
     public const IMPOSSIVEL = 3;
 
+    /** Of what could be asked for and was tried. */
+    private const NAO_FEITAS = [NenhumDia::class, NaoConsolidado::class, NaoEncontrada::class, CartaNaoEnviada::class];
+
     /** Each command under its name and its English name. */
     private const COMANDOS = [
         'dias' => Dias::class, 'days' => Dias::class,
@@ -37,6 +41,7 @@ final class Aplicacao extends Application
         'consolida' => Consolida::class, 'consolidate' => Consolida::class,
         'exporta' => Exporta::class, 'export' => Exporta::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
+        'relatorio' => Relatorio::class, 'report' => Relatorio::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 
@@ -78,8 +83,7 @@ final class Aplicacao extends Application
             return self::NAO_FEITO;
         } catch (Falha $e) {
             self::diz($e->frase($lingua));
-            return $e instanceof NenhumDia || $e instanceof NaoConsolidado || $e instanceof NaoEncontrada
-                ? self::NAO_FEITO : self::IMPOSSIVEL;
+            return in_array($e::class, self::NAO_FEITAS, true) ? self::NAO_FEITO : self::IMPOSSIVEL;
         } catch (ExceptionInterface $e) {
             self::diz(UsoErrado::doConsole($e)->frase($lingua));
             return self::IMPOSSIVEL;
