@@ -14,6 +14,7 @@ use Symfony\Component\Console\Input\InputDefinition;
 use Symfony\Component\Console\Input\InputOption;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Falha\CartaNaoEnviada;
+use Vorna\Mrel\Falha\EnvioFalhou;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
 use Vorna\Mrel\Versao;
@@ -29,7 +30,8 @@ final class Aplicacao extends Application
     public const IMPOSSIVEL = 3;
 
     /** Of what could be asked for and was tried. */
-    private const NAO_FEITAS = [NenhumDia::class, NaoConsolidado::class, NaoEncontrada::class, CartaNaoEnviada::class];
+    private const NAO_FEITAS = [NenhumDia::class, NaoConsolidado::class, NaoEncontrada::class, CartaNaoEnviada::class,
+        EnvioFalhou::class];
 
     /** Each command under its name and its English name. */
     private const COMANDOS = [
@@ -40,6 +42,8 @@ final class Aplicacao extends Application
         'rastro' => Rastro::class, 'trace' => Rastro::class,
         'consolida' => Consolida::class, 'consolidate' => Consolida::class,
         'exporta' => Exporta::class, 'export' => Exporta::class,
+        'esquema' => Esquema::class, 'schema' => Esquema::class,
+        'envia' => Envia::class, 'send' => Envia::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
         'relatorio' => Relatorio::class, 'report' => Relatorio::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,

@@ -72,7 +72,7 @@ final class Opcoes
             . 'ponto não se move', 'today up to this moment too, unnoticed by readers; the point does not move'],
         'juntar' => ['join', '', self::SEM, 'junta antes os logs, também .gz, como se nunca tivessem sido girados',
             'joins the logs first, .gz too, as if they had never been rotated'],
-        'para' => ['mail-to', 'ADDRESS', self::VALORES, 'a quem enviar; pode repetir-se', 'whom to send it to; may be repeated'],
+        'para-quem' => ['mail-to', 'ADDRESS', self::VALORES, 'a quem enviar; pode repetir-se', 'whom to send it to; may be repeated'],
         'como' => ['mail-from', 'ADDRESS', self::VALOR, 'o remetente da mensagem; sem ela o do sistema',
             'the sender of the message; without it the system\'s'],
         'stdout' => ['stdout', '', self::SEM, 'só mostra a mensagem', 'only shows the message'],
@@ -82,6 +82,12 @@ final class Opcoes
             'tokens in place of names; domains stay, texts do not'],
         'chave' => ['key', 'FILE', self::VALOR, 'a chave dos símbolos, feita se não houver; sem ela uma só desta vez',
             'the key of the tokens, made when missing; without it one of this run only'],
+        'para' => ['to-database', 'DSN', self::VALOR,
+            'o banco, como "service=frota" ou "host=h dbname=d user=u"; a senha fica no arquivo de PGPASSFILE',
+            'the database, as "service=frota" or "host=h dbname=d user=u"; the password stays in the file of PGPASSFILE'],
+        'desde-o-ultimo' => ['since-the-last', '', self::SEM,
+            'só os dias completos que faltam no banco ou cujos arquivos mudaram; sem período, de todos',
+            'only the complete days that the database lacks or whose files have changed; without a period, of all'],
         'json' => ['json', '', self::SEM, 'um objeto JSON com estado, quando e verificacoes',
             'a JSON object with estado, quando and verificacoes'],
         'prom' => ['prom', 'FILE', self::VALOR, 'escreve também as medidas para o Prometheus, inteiras ou nada',
@@ -112,10 +118,10 @@ final class Opcoes
         }, $nomes);
     }
 
-    /** The name at the command line: an option that may be repeated in one command need not be so in another. */
+    /** The name at the command line: an option may be repeated in one command, or mean a person, and not in another. */
     public static function nome(string $nome): string
     {
-        return $nome === 'usuarios' ? 'usuario' : $nome;
+        return ['usuarios' => 'usuario', 'para-quem' => 'para'][$nome] ?? $nome;
     }
 
     /** @return array{string, string, string, string} English name, what stands for the value, Portuguese, English */

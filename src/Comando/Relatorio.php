@@ -12,7 +12,7 @@ use Vorna\Mrel\Periodo;
 /** The report of a day as a message, to somebody or to be looked at. */
 final class Relatorio extends Comando
 {
-    public const OPCOES = ['para', 'como', 'stdout'];
+    public const OPCOES = ['para-quem', 'como', 'stdout'];
 
     protected function configure(): void
     {
