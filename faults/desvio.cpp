@@ -32,57 +32,46 @@ bool passa() {
     return false;
 }
 
-template <class F>
-F* verdadeira(const char* nome) {
-    return reinterpret_cast<F*>(dlsym(RTLD_NEXT, nome));
-}
-
 }  // namespace
+
+// A file call that may be the one.
+#define CHAMADA(nome, tipos, dados)                                                \
+    int nome tipos noexcept {                                                      \
+        using F = int tipos;                                                       \
+        return passa() ? reinterpret_cast<F*>(dlsym(RTLD_NEXT, #nome)) dados : -1; \
+    }
 
 extern "C" {
 
-int rename(const char* de, const char* para) noexcept {
-    return passa() ? verdadeira<int(const char*, const char*)>("rename")(de, para) : -1;
-}
-
-int mkdir(const char* nome, mode_t modo) noexcept {
-    return passa() ? verdadeira<int(const char*, mode_t)>("mkdir")(nome, modo) : -1;
-}
-
-int rmdir(const char* nome) noexcept {
-    return passa() ? verdadeira<int(const char*)>("rmdir")(nome) : -1;
-}
-
-int unlink(const char* nome) noexcept {
-    return passa() ? verdadeira<int(const char*)>("unlink")(nome) : -1;
-}
-
-int chmod(const char* nome, mode_t modo) noexcept {
-    return passa() ? verdadeira<int(const char*, mode_t)>("chmod")(nome, modo) : -1;
-}
-
-int utime(const char* nome, const utimbuf* quando) noexcept {
-    return passa() ? verdadeira<int(const char*, const utimbuf*)>("utime")(nome, quando) : -1;
-}
+CHAMADA(rename, (const char* de, const char* para), (de, para))
+CHAMADA(mkdir, (const char* nome, mode_t modo), (nome, modo))
+CHAMADA(rmdir, (const char* nome), (nome))
+CHAMADA(unlink, (const char* nome), (nome))
+CHAMADA(chmod, (const char* nome, mode_t modo), (nome, modo))
+CHAMADA(utime, (const char* nome, const utimbuf* quando), (nome, quando))
 
 int fsync(int fd) {
-    return passa() ? verdadeira<int(int)>("fsync")(fd) : -1;
+    using F = int(int);
+    return passa() ? reinterpret_cast<F*>(dlsym(RTLD_NEXT, "fsync"))(fd) : -1;
 }
 
 time_t time(time_t* para) noexcept {
-    const time_t agora = verdadeira<time_t(time_t*)>("time")(nullptr) + numero("VT_RELOGIO");
-    if (para) *para = agora;
-    return agora;
+    timespec agora;
+    clock_gettime(CLOCK_REALTIME, &agora);
+    if (para) *para = agora.tv_sec;
+    return agora.tv_sec;
 }
 
-int gettimeofday(timeval* para, void* zona) noexcept {
-    const int r = verdadeira<int(timeval*, void*)>("gettimeofday")(para, zona);
-    para->tv_sec += numero("VT_RELOGIO");
+int gettimeofday(timeval* para, void*) noexcept {
+    timespec agora;
+    const int r = clock_gettime(CLOCK_REALTIME, &agora);
+    *para = {agora.tv_sec, agora.tv_nsec / 1000};
     return r;
 }
 
 int clock_gettime(clockid_t relogio, timespec* para) noexcept {
-    const int r = verdadeira<int(clockid_t, timespec*)>("clock_gettime")(relogio, para);
+    using F = int(clockid_t, timespec*);
+    const int r = reinterpret_cast<F*>(dlsym(RTLD_NEXT, "clock_gettime"))(relogio, para);
     if (relogio == CLOCK_REALTIME) para->tv_sec += numero("VT_RELOGIO");
     return r;
 }

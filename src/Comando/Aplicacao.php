@@ -13,6 +13,7 @@ use Symfony\Component\Console\Input\InputArgument;
 use Symfony\Component\Console\Input\InputDefinition;
 use Symfony\Component\Console\Input\InputOption;
 use Vorna\Mrel\Falha;
+use Vorna\Mrel\Falha\CartaNaoEnviada;
 use Vorna\Mrel\Falha\EnvioFalhou;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
@@ -28,6 +29,10 @@ final class Aplicacao extends Application
     /** Wrong usage or configuration, data or module missing or unreadable. */
     public const IMPOSSIVEL = 3;
 
+    /** Of what could be asked for and was tried. */
+    private const NAO_FEITAS = [NenhumDia::class, NaoConsolidado::class, NaoEncontrada::class, CartaNaoEnviada::class,
+        EnvioFalhou::class];
+
     /** Each command under its name and its English name. */
     private const COMANDOS = [
         'dias' => Dias::class, 'days' => Dias::class,
@@ -41,6 +46,7 @@ final class Aplicacao extends Application
         'envia' => Envia::class, 'send' => Envia::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
         'exame' => Exame::class, 'doctor' => Exame::class,
+        'relatorio' => Relatorio::class, 'report' => Relatorio::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 
@@ -82,8 +88,7 @@ final class Aplicacao extends Application
             return self::NAO_FEITO;
         } catch (Falha $e) {
             self::diz($e->frase($lingua));
-            return $e instanceof NenhumDia || $e instanceof NaoConsolidado || $e instanceof NaoEncontrada
-                || $e instanceof EnvioFalhou ? self::NAO_FEITO : self::IMPOSSIVEL;
+            return in_array($e::class, self::NAO_FEITAS, true) ? self::NAO_FEITO : self::IMPOSSIVEL;
         } catch (ExceptionInterface $e) {
             self::diz(UsoErrado::doConsole($e)->frase($lingua));
             return self::IMPOSSIVEL;

@@ -72,6 +72,10 @@ final class Opcoes
             . 'ponto não se move', 'today up to this moment too, unnoticed by readers; the point does not move'],
         'juntar' => ['join', '', self::SEM, 'junta antes os logs, também .gz, como se nunca tivessem sido girados',
             'joins the logs first, .gz too, as if they had never been rotated'],
+        'para-quem' => ['mail-to', 'ADDRESS', self::VALORES, 'a quem enviar; pode repetir-se', 'whom to send it to; may be repeated'],
+        'como' => ['mail-from', 'ADDRESS', self::VALOR, 'o remetente da mensagem; sem ela o do sistema',
+            'the sender of the message; without it the system\'s'],
+        'stdout' => ['stdout', '', self::SEM, 'só mostra a mensagem', 'only shows the message'],
         'excel' => ['excel', '', self::SEM, 'csv para uma planilha: ";", BOM, CR LF, vírgula decimal',
             'csv for a spreadsheet: ";", BOM, CR LF, decimal comma'],
         'anonimo' => ['anonymous', '', self::SEM, 'símbolos no lugar dos nomes; domínios ficam, textos não',
@@ -114,10 +118,10 @@ final class Opcoes
         }, $nomes);
     }
 
-    /** The name at the command line: an option that may be repeated in one command need not be so in another. */
+    /** The name at the command line: an option may be repeated in one command, or mean a person, and not in another. */
     public static function nome(string $nome): string
     {
-        return $nome === 'usuarios' ? 'usuario' : $nome;
+        return ['usuarios' => 'usuario', 'para-quem' => 'para'][$nome] ?? $nome;
     }
 
     /** @return array{string, string, string, string} English name, what stands for the value, Portuguese, English */

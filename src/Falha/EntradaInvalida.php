@@ -63,6 +63,15 @@ final class EntradaInvalida extends Falha
         );
     }
 
+    public static function endereco(string $texto): self
+    {
+        $t = self::cita($texto);
+        return new self(
+            "\"$t\" não é um endereço de correio: escreva-o como ana@example.com.",
+            "\"$t\" is no mail address: write it as ana@example.com."
+        );
+    }
+
     public static function texto(string $texto): self
     {
         $t = self::cita($texto);

@@ -38,11 +38,6 @@ final class AteAgoraTest extends TestCase
         return gmdate('Y-m-d', strtotime("today UTC $dia days"));
     }
 
-    private function ponto(?int $dia): void
-    {
-        $dia === null || file_put_contents("$this->raiz/ponto", gmdate('\1 D M d H:i:s Y', strtotime("today UTC $dia days")) . "\n");
-    }
-
     /** @return list<string> */
     private function argumentos(string ...$primeiros): array
     {
@@ -71,18 +66,6 @@ final class AteAgoraTest extends TestCase
         return Vtmrel::roda($this->argumentos('consolida'));
     }
 
-    /** @return array<string, string> bytes by path, of all that is there but the logs */
-    private function tudo(): array
-    {
-        $tudo = [];
-        foreach (new \RecursiveIteratorIterator(new \RecursiveDirectoryIterator($this->raiz, \FilesystemIterator::SKIP_DOTS)) as $f) {
-            $nome = substr((string) $f, strlen($this->raiz) + 1);
-            str_starts_with($nome, 'logs/') || $tudo[$nome] = file_get_contents((string) $f);
-        }
-        ksort($tudo);
-        return $tudo;
-    }
-
     private function repoe(array $tudo): void
     {
         foreach (['dat', 'dat.agora'] as $pasta) {
@@ -100,17 +83,17 @@ final class AteAgoraTest extends TestCase
     {
         foreach ([[-1, [-1]], [-3, [-3, -2, -1]], [null, [-4, -3, -2, -1]]] as [$ponto, $dias]) {
             $this->setUp();
-            $this->ponto($ponto);
-            $antes = $this->tudo();
+            Despachante::ponto("$this->raiz/ponto", $ponto);
+            $antes = Despachante::feito($this->raiz);
             [$codigo, $disse] = $this->consolida('--ate-agora');
             self::assertSame([0, null, array_map(self::dia(...), $dias)], [$codigo, $disse['motivo'], $disse['dias']]);
-            $depois = $this->tudo();
+            $depois = Despachante::feito($this->raiz);
             self::assertSame($antes['ponto'] ?? null, $depois['ponto'] ?? null);
             self::assertCount(2 * count($dias) + count($antes), $depois, 'nothing else was left');
             // As a forced run writes them in place.
             Arvore::apaga("$this->raiz/dat");
             self::assertSame(0, $this->consolida('--forcar')[0]);
-            self::assertSame($depois, array_intersect_key($this->tudo(), $depois));
+            self::assertSame($depois, array_intersect_key(Despachante::feito($this->raiz), $depois));
         }
     }
 
@@ -120,16 +103,16 @@ final class AteAgoraTest extends TestCase
      */
     public function testDisturbada(): void
     {
-        $this->ponto(-3);
+        Despachante::ponto("$this->raiz/ponto", -3);
         self::assertSame(0, $this->ateAgora()->codigo);
-        $antes = $this->tudo();
+        $antes = Despachante::feito($this->raiz);
         $this->vivo(17);
         self::assertSame(0, $this->ateAgora()->codigo);
-        $novo = $this->tudo();
+        $novo = Despachante::feito($this->raiz);
         self::assertNotSame($antes, $novo);
         Arvore::apaga("$this->raiz/dat");
         self::assertSame(0, $this->diaria()->codigo);
-        $certo = $this->tudo();
+        $certo = Despachante::feito($this->raiz);
         $meios = 0;
         foreach (['VT_MATA' => SIGKILL, 'VT_CHEIO' => 1] as $como => $saida) {
             for ($n = 1, $calado = 0; $calado < 3; ++$n) {
@@ -139,7 +122,7 @@ final class AteAgoraTest extends TestCase
                 $r = $this->ateAgora([$como => $n]);
                 $calado = $r->codigo === 0 ? $calado + 1 : 0;
                 self::assertContains($r->codigo, [0, $saida], "$como $n: $r->erros");
-                $ficou = array_filter($this->tudo(), static fn (string $nome) => !str_contains($nome, 'agora/'), ARRAY_FILTER_USE_KEY);
+                $ficou = array_filter(Despachante::feito($this->raiz), static fn (string $nome) => !str_contains($nome, 'agora/'), ARRAY_FILTER_USE_KEY);
                 self::assertSame(array_keys($antes), array_keys($ficou), "$como $n");
                 foreach ($ficou as $nome => $bytes) {
                     self::assertContains($bytes, [$antes[$nome], $novo[$nome]], "$como $n: $nome");
@@ -147,10 +130,10 @@ final class AteAgoraTest extends TestCase
                 $meios += $ficou !== $antes && $ficou !== $novo ? 1 : 0;
                 if ($n % 2) {
                     self::assertSame(0, $this->ateAgora()->codigo);
-                    self::assertSame($novo, $this->tudo(), "$como $n, then again");
+                    self::assertSame($novo, Despachante::feito($this->raiz), "$como $n, then again");
                 }
                 self::assertSame(0, $this->diaria()->codigo);
-                self::assertSame($certo, $this->tudo(), "$como $n, then the daily run");
+                self::assertSame($certo, Despachante::feito($this->raiz), "$como $n, then the daily run");
             }
             self::assertGreaterThan(10, $n);
         }
@@ -160,7 +143,7 @@ final class AteAgoraTest extends TestCase
     /** Whatever stands in the way is said, and nothing is changed. */
     public function testNada(): void
     {
-        $this->ponto(-1);
+        Despachante::ponto("$this->raiz/ponto", -1);
         self::assertSame(0, $this->ateAgora()->codigo);
         $this->vivo(11);
         $dia = self::dia(-1);
@@ -173,7 +156,7 @@ final class AteAgoraTest extends TestCase
             'rode como esse usuário' => fn () => chown("$this->raiz/dat", 65534),
             'está vazio' => fn () => $this->vivo(0),
         ];
-        $antes = $this->tudo();
+        $antes = Despachante::feito($this->raiz);
         foreach ($casos as $frase => $estraga) {
             if (posix_getuid() !== 0 && in_array($frase, ['pode ser trocado', 'rode como esse usuário'], true)) {
                 continue;  // these take root to make
@@ -183,7 +166,7 @@ final class AteAgoraTest extends TestCase
             self::assertSame([1, []], [$codigo, $disse['dias'] ?? null], $frase);
             self::assertStringContainsString($frase, $disse['motivo']);
             is_link("$this->raiz/dat.agora") && unlink("$this->raiz/dat.agora");
-            self::assertSame($antes, $this->tudo(), $frase);
+            self::assertSame($antes, Despachante::feito($this->raiz), $frase);
             chown($compacto, posix_getuid());
             chown("$this->raiz/dat", posix_getuid());
             $this->vivo(11);
@@ -193,7 +176,7 @@ final class AteAgoraTest extends TestCase
     /** Somebody else consolidates: said, and no failure for a timer. */
     public function testTrava(): void
     {
-        $this->ponto(-1);
+        Despachante::ponto("$this->raiz/ponto", -1);
         $codigo = '$m = new vt_mrel(); $m->setLogDir("/nao"); $m->setDataDir("' . $this->raiz . '/outro");
             $m->consolidate("' . $this->raiz . '/outro/ponto"); echo "tem\n"; fgets(STDIN);';
         $processo = proc_open(
@@ -209,7 +192,7 @@ final class AteAgoraTest extends TestCase
         $r = $this->ateAgora();
         self::assertSame(0, $r->codigo);
         self::assertStringContainsString('tem a trava', $r->erros);
-        self::assertSame(['ponto'], array_keys($this->tudo()));
+        self::assertSame(['ponto'], array_keys(Despachante::feito($this->raiz)));
         fclose($canos[0]);
         proc_close($processo);
         self::assertSame([0, null], [($r = $this->consolida('--ate-agora'))[0], $r[1]['motivo']]);
@@ -218,7 +201,7 @@ final class AteAgoraTest extends TestCase
     /** Mode and group are those of the file that it replaces; of a new one those that the directory gives. */
     public function testPermissoes(): void
     {
-        $this->ponto(-2);
+        Despachante::ponto("$this->raiz/ponto", -2);
         self::assertSame(0, $this->ateAgora()->codigo);
         [$pasta] = glob("$this->raiz/dat/rels_*");
         $arquivos = glob("$this->raiz/dat/rels_*/*");

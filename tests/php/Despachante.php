@@ -27,18 +27,30 @@ final class Despachante
                 : $linhas[] = [$fim, "MAILSMTP ERROR_FINAL Msg $id para v$i@y.example: 550 5.1.1 ausente"];
             $linhas[] = [$fim, "MAILSMTP END Msg $id"];
         }
-        return self::texto($linhas, $inicio, $inicio + 3600 * $ate);
-    }
-
-    /** What is on its way at midnight ends on the next day: it is left to that day's first hours. */
-    private static function texto(array $linhas, int $inicio, int $fim): string
-    {
         usort($linhas, static fn (array $a, array $b): int => $a[0] <=> $b[0]);
         $texto = '';
         foreach ($linhas as [$t, $linha]) {
-            $t < $fim && $texto .= gmdate('D M d H:i:s Y', $t) . ": 09 $linha\n";
+            $t < $inicio + 3600 * $ate && $texto .= gmdate('D M d H:i:s Y', $t) . ": 09 $linha\n";
         }
         return $texto;
+    }
+
+    /** Records a point, a day counted from today; none for null. */
+    public static function ponto(string $arquivo, ?int $dia): void
+    {
+        $dia === null || file_put_contents($arquivo, gmdate('\1 D M d H:i:s Y', strtotime("today UTC $dia days")) . "\n");
+    }
+
+    /** @return array<string, string> bytes by path below it, of all that is there but logs */
+    public static function feito(string $raiz): array
+    {
+        $tudo = [];
+        foreach (new \RecursiveIteratorIterator(new \RecursiveDirectoryIterator($raiz, \FilesystemIterator::SKIP_DOTS)) as $f) {
+            $nome = substr((string) $f, strlen($raiz) + 1);
+            str_starts_with($nome, 'logs/') || $tudo[$nome] = file_get_contents((string) $f);
+        }
+        ksort($tudo);
+        return $tudo;
     }
 
     /**

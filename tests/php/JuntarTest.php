@@ -78,42 +78,30 @@ final class JuntarTest extends TestCase
         foreach ($logs as $nome => $bytes) {
             file_put_contents("$this->raiz/r/logs/$nome", $bytes);
         }
-        $ponto === null
-            || file_put_contents("$this->raiz/r/ponto", gmdate('\1 D M d H:i:s Y', strtotime("today UTC $ponto days")) . "\n");
+        Despachante::ponto("$this->raiz/r/ponto", $ponto);
         return Vtmrel::roda(['consolida', "--dados=$this->raiz/r/dat", "--logs=$this->raiz/r/logs", "--ponto=$this->raiz/r/ponto",
             '--fuso=UTC', '--formato=json', '--lingua=pt', ...$mais]);
-    }
-
-    /** @return array<string, string> bytes by path, of all that is there but the logs */
-    private function tudo(): array
-    {
-        $tudo = [];
-        foreach (new \RecursiveIteratorIterator(new \RecursiveDirectoryIterator("$this->raiz/r", \FilesystemIterator::SKIP_DOTS)) as $f) {
-            str_contains((string) $f, '/logs/') || $tudo[(string) $f] = file_get_contents((string) $f);
-        }
-        ksort($tudo);
-        return $tudo;
     }
 
     public function testComoUmSo(): void
     {
         foreach ([null, -3, -2, -1] as $ponto) {
             self::assertSame(0, $this->consolida([self::LOG => self::$um], $ponto)->codigo);
-            $certo = $this->tudo();
+            $certo = Despachante::feito("$this->raiz/r");
             self::assertCount(2 * -($ponto ?? -3) + 1, $certo);
             foreach (self::rodizios() as $nome => $logs) {
                 $r = $this->consolida($logs, $ponto, '--juntar');
                 self::assertSame(0, $r->codigo, "$nome: $r->erros");
-                self::assertSame($certo, $this->tudo(), "$nome, point " . ($ponto ?? 'none'));
+                self::assertSame($certo, Despachante::feito("$this->raiz/r"), "$nome, point " . ($ponto ?? 'none'));
                 self::assertFileDoesNotExist("$this->raiz/r/dat.juntos");
                 self::assertMatchesRegularExpression('/^vtmrel: juntando \d logs, que ocupam até [\d,]+ K?B .* livres\.\n$/', $r->erros);
             }
         }
         // Up to this moment as well.
         self::assertSame(0, $this->consolida([self::LOG => self::$um], -1, '--ate-agora')->codigo);
-        $certo = $this->tudo();
+        $certo = Despachante::feito("$this->raiz/r");
         self::assertSame(0, $this->consolida(self::rodizios()['at midday'], -1, '--ate-agora', '--juntar')->codigo);
-        self::assertSame($certo, $this->tudo());
+        self::assertSame($certo, Despachante::feito("$this->raiz/r"));
     }
 
     /** A log that cannot be read to its end would be mail that is missing. */
@@ -133,7 +121,7 @@ final class JuntarTest extends TestCase
             $r = $this->consolida($mudados + $logs, -3, '--juntar');
             self::assertSame(1, $r->codigo, $frase);
             self::assertStringContainsString($frase, json_decode($r->saida, true)['motivo']);
-            self::assertSame(['ponto'], array_map('basename', array_keys($this->tudo())), $frase);
+            self::assertSame(['ponto'], array_keys(Despachante::feito("$this->raiz/r")), $frase);
             self::assertFileDoesNotExist("$this->raiz/r/dat.juntos", $frase);
         }
         // Nothing to do: nothing is joined.
