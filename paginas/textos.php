@@ -92,6 +92,7 @@ return [
     'farol.parada' => ['A consolidação parou: o último dia completo é {dia}, e faltam {n} dias.', 'The consolidation has stopped: the last complete day is {dia}, and {n} days are missing.'],
     'farol.atraso' => ['O dia de ontem ainda não foi consolidado: o último completo é {dia}.', 'Yesterday is not consolidated yet: the last complete day is {dia}.'],
     'farol.lacuna' => ['Há dias sem dados: de {de} a {ate}.', 'Days without data: {de} to {ate}.'],
+    'farol.velha' => ['A última verificação é de {quando}: veja se vtmrel verifica ainda roda.', 'The last check is of {quando}: see whether vtmrel verifica still runs.'],
     'farol.silencio' => ['O log não recebe linhas desde {quando}.', 'The log has had no line since {quando}.'],
     'farol.pouco' => ['O movimento ficou {p} % abaixo da média dos dias anteriores.', 'Traffic was {p} % below the mean of the days before.'],
     'farol.muito' => ['O movimento ficou {p} % acima da média dos dias anteriores.', 'Traffic was {p} % above the mean of the days before.'],
