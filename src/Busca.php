@@ -177,14 +177,16 @@ final class Busca
                 [$tempos, $status, $ids, $restos] = $this->selecao->eventosDe($bloco, $abertas);
                 foreach ($ids as $i => $id) {
                     $a = $abertas[$id] ?? null;
-                    if ($a && $status[$i] === Compacto::SUBMISSAO) {
-                        unset($abertas[$id]);  // another message of the same id
-                    } elseif ($a) {
+                    if (!$a) {
+                        continue;
+                    }
+                    $outra = $status[$i] === Compacto::SUBMISSAO;  // another message of the same id
+                    if (!$outra) {
                         $this->evento($a, $status[$i], $tempos[$i], $restos[$i]);
                         $this->resolvidas[$id] = $dia;
-                        if ($a->encerrada) {
-                            unset($abertas[$id]);
-                        }
+                    }
+                    if ($outra || $a->encerrada) {
+                        unset($abertas[$id]);
                     }
                 }
             }
