@@ -26,7 +26,7 @@ panel() {
     add "$p" "${f:-1}"
 }
 
-# The pictures of docs/, of a month of the demo's company, on the evening of its last day.
+# The pictures of docs/pictures/, of a month of the demo's company, on the evening of its last day.
 pictures() {
     pages_ready
     need faketime pngquant
@@ -41,8 +41,8 @@ pictures() {
     VT_MREL_CONFIG=$dir/vt-mrel.ini TZ=UTC faketime 2026-03-31T23:59:00 "$PHP" -d "extension=$extension" -S "$address" \
         -t paginas/public paginas/public/index.php >"$dir/log" 2>&1 &
     server=$!
-    node dev.d/fotos.mjs out/npm/node_modules "http://$address" docs || broken=1
+    node dev.d/fotos.mjs out/npm/node_modules "http://$address" docs/pictures || broken=1
     pkill -P "$server" || kill "$server"
-    pngquant --force --skip-if-larger --ext .png --quality 70-95 docs/pagina-*.png || true
+    pngquant --force --skip-if-larger --ext .png --quality 70-95 docs/pictures/*.png || true
     [ -z "${broken:-}" ] || die "no pictures: see $dir/log"
 }
