@@ -9,15 +9,14 @@ const periodo = 'de=2026-03-24&ate=2026-03-30';
 
 /** Picture: address, width, height, theme. */
 const fotos = {
-  'resumo': ['/', 1100, 860, 'light'],
-  'horas': [`/horas?${periodo}`, 1100, 620, 'dark', '.calor'],
-  'mensagens': [`/mensagens?${periodo}&usuario=nfe@metalurgica.example`, 1100, 620, 'light'],
-  'rastro': ['', 390, 844, 'light'],
+  resumo: ['/', 1100, 860, 'light'],
+  horas: [`/horas?${periodo}`, 1100, 620, 'dark', '.calor'],
+  mensagens: [`/mensagens?${periodo}&usuario=nfe@metalurgica.example`, 1100, 620, 'light'],
+  rastro: ['', 390, 844, 'light'],
 };
 
 const puppeteer = createRequire(path.resolve(modulos, 'x.js'))('puppeteer-core');
-const navegador = await puppeteer.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-dev-shm-usage',
-  '--lang=pt-BR'], env: { ...process.env, LANGUAGE: 'pt_BR' } });
+const navegador = await puppeteer.launch({ executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-dev-shm-usage'] });
 const p = await navegador.newPage();
 for (let n = 0; n < 20 && !await fetch(url).then(() => true, () => false); ++n) await new Promise((r) => setTimeout(r, 500));
 // A message that some got and some did not tells most.
@@ -33,7 +32,7 @@ for (const [nome, [endereco, width, height, tema, ate]] of Object.entries(fotos)
   await p.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: tema }, { name: 'prefers-reduced-motion', value: 'reduce' }]);
   await p.goto(url + (endereco || rastro), { waitUntil: 'networkidle0' });
   if (ate) await p.$eval(ate, (e) => e.scrollIntoView({ block: 'center' }));
-  await p.screenshot({ path: path.join(pasta, `${nome}.png`), optimizeForSpeed: false });
+  await p.screenshot({ path: path.join(pasta, `${nome}.png`) });
   console.log(`${nome}.png: ${endereco || rastro}`);
 }
 await navegador.close();
