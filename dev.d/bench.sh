@@ -13,4 +13,5 @@ bench() {
     fi
     "$PHP" -n bench/bench.php "$extension" out/release out/bench "$peers" "$@"
     "$PHP" -n bench/comando.php "$extension" out/release out/bench "$@"
+    "$PHP" -n bench/paginas.php "$extension" out/release out/bench "$@"
 }

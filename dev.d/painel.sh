@@ -11,9 +11,10 @@ painel() {
     else
         need faketime
         [ -d out/demo/dat ] || demo
-        printf '[demo]\ndados = %s\nlogs = %s\nponto = %s\nfuso = UTC\n' "$root/out/demo/dat" "$root/out/demo/logs" \
-            "$root/out/demo/ultima_consolidacao" >"$config"
+        printf '[demo]\ndados = %s\nlogs = %s\nponto = %s\nsaude = %s\nfuso = UTC\n' "$root/out/demo/dat" "$root/out/demo/logs" \
+            "$root/out/demo/ultima_consolidacao" "$root/out/painel.json" >"$config"
         clock='env TZ=UTC faketime 2026-03-12T23:59:00'
+        $clock bin/vtmrel verifica --config "$config" >/dev/null || true  # what it found is on the page of health
     fi
     address=${PAINEL:-127.0.0.1:8025}
     say "http://$address/  (end with Ctrl-C)"

@@ -25,3 +25,24 @@ panel() {
     [ "${p:-0}" -gt 0 ] || f=${f:-1}
     add "$p" "${f:-1}"
 }
+
+# The pictures of docs/pictures/, of a month of the demo's company, on the evening of its last day.
+pictures() {
+    pages_ready
+    need faketime pngquant
+    dir=$root/out/pictures address=${PAINEL:-127.0.0.1:8026}
+    rm -rf "$dir"
+    mkdir -p "$dir/dat"
+    TZ=UTC out/release/gera_logs "$dir/logs" 2026-03-01 --dias 31 --mensagens 3000 --usuarios 400
+    # shellcheck disable=SC2016
+    TZ=UTC "$PHP" -n -d "extension=$extension" -r '$m = new vt_mrel();
+        $m->setLogDir("$argv[1]/logs") && $m->setDataDir("$argv[1]/dat") && $m->consolidate("$argv[1]/ponto");' "$dir"
+    printf '[matriz]\ndados = %s/dat\nlogs = %s/logs\nponto = %s/ponto\nfuso = UTC\n' "$dir" "$dir" "$dir" >"$dir/vt-mrel.ini"
+    VT_MREL_CONFIG=$dir/vt-mrel.ini TZ=UTC faketime 2026-03-31T23:59:00 "$PHP" -d "extension=$extension" -S "$address" \
+        -t paginas/public paginas/public/index.php >"$dir/log" 2>&1 &
+    server=$!
+    node dev.d/fotos.mjs out/npm/node_modules "http://$address" docs/pictures || broken=1
+    pkill -P "$server" || kill "$server"
+    pngquant --force --skip-if-larger --ext .png --quality 70-95 docs/pictures/*.png || true
+    [ -z "${broken:-}" ] || die "no pictures: see $dir/log"
+}

@@ -4,12 +4,15 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel;
 
+use Vorna\Mrel\Linha\HoraDeUsuario;
+
 /**
  * Adds up the counters of all users of some domains, for each period of an hour of a statistics file. Reads the
  * file directly, like Maiores: the extension answers for users who are named.
  */
 final readonly class PorDominio
 {
+    private string $nome;
     /** Finds the beginnings of periods, and the lines of such users with their seven counters. */
     private string $linha;
 
@@ -19,6 +22,7 @@ final readonly class PorDominio
      */
     public function __construct(array $dominios, bool $semDominio)
     {
+        $this->nome = implode('; ', $dominios);
         $dominios = array_filter(array_map(Texto::latin1(...), $dominios), 'is_string');
         $nomes = '[^ \n]*@(?:' . implode('|', array_map(static fn (string $d) => preg_quote($d, '/'), $dominios)) . ')'
             . ($semDominio ? '|[^ \n@]+' : '');
@@ -29,7 +33,7 @@ final readonly class PorDominio
      * @return array<int, array{int, int, int, int, int, int, int}> by the period's beginning in Unix seconds: sent,
      *     its bytes, received, its bytes, viruses, spam, errors
      */
-    public function horas(string $arquivo): array
+    private function horas(string $arquivo): array
     {
         $horas = [];
         $inicio = 0;
@@ -51,5 +55,33 @@ final readonly class PorDominio
         }
         fclose($f);
         return $horas;
+    }
+
+    /**
+     * @param array<string, string> $arquivos statistics files by day
+     * @return \Generator<int, HoraDeUsuario>
+     */
+    public function linhas(\DateTimeZone $fuso, array $arquivos, Transbordo $transbordo): \Generator
+    {
+        foreach ($arquivos as $dia => $arquivo) {
+            foreach ($this->horas($arquivo) as $segundos => $contas) {
+                [$enviadas, $bytesEnviados, $recebidas, $bytesRecebidos, $virus, $spam, $erros] = $contas;
+                $inicio = (new \DateTimeImmutable("@$segundos"))->setTimezone($fuso);
+                yield new HoraDeUsuario(
+                    $this->nome,
+                    $dia,
+                    $inicio,
+                    (int) $inicio->format('G'),
+                    $enviadas,
+                    $bytesEnviados,
+                    $recebidas,
+                    $bytesRecebidos,
+                    $spam,
+                    $virus,
+                    $erros,
+                    $transbordo->doDia($dia)
+                );
+            }
+        }
     }
 }

@@ -31,12 +31,14 @@ final readonly class Relatorios
     private Dias $dias;
     private Motor $motor;
     private Transbordo $transbordo;
+    private Horario $horario;
 
     public function __construct(private Relay $relay)
     {
         $this->dias = new Dias($relay->dados);
         $this->motor = new Motor($relay);
         $this->transbordo = new Transbordo($this->dias, $this->motor);
+        $this->horario = new Horario($this->motor, $this->transbordo);
     }
 
     /** @return list<string> the days of a period that have files, "2026-03-10", oldest first */
@@ -93,18 +95,7 @@ final readonly class Relatorios
     public function horasPorDia(Periodo $periodo): array
     {
         $arquivos = $this->arquivos(Dias::COMPACTO, $periodo);
-        $mrel = $this->motor->objeto();
-        $dias = [];
-        foreach ($arquivos as $dia => $_) {
-            $um = Periodo::dia($dia, $periodo->fuso);
-            $itr = $this->motor->perguntaA($mrel, 'msgs_per_hour', ...[...$um->eventos(), ' ']);
-            for ($linhas = []; $itr->fetch();) {
-                $linhas[] = [$itr->msgs_int, $itr->bytes_int, $itr->msgs_ext, $itr->bytes_ext, $itr->spam, $itr->virus,
-                    $itr->error];
-            }
-            $dias[$dia] = $linhas;
-        }
-        return $dias;
+        return $this->horario->porDia($periodo, array_keys($arquivos));
     }
 
     /**
@@ -113,20 +104,7 @@ final readonly class Relatorios
      */
     public function somaDasHoras(Periodo $periodo, array $dias): array
     {
-        $somas = array_fill(0, 24, array_fill(0, 7, 0));
-        foreach ($dias as $linhas) {
-            foreach ($linhas as $hora => $linha) {
-                foreach ($linha as $i => $valor) {
-                    $somas[$hora][$i] = $somas[$hora][$i] + $valor & 0xFFFFFFFF;  // as the engine counts
-                }
-            }
-        }
-        $incerta = $this->transbordo->dasHoras($periodo, $somas);
-        $horas = [];
-        foreach ($somas as $hora => $soma) {
-            $horas[] = new Hora($hora, ...[...$soma, static fn (): bool => $incerta($hora)]);
-        }
-        return $horas;
+        return $this->horario->soma($periodo, $dias);
     }
 
     /**
@@ -152,7 +130,8 @@ final readonly class Relatorios
     public function horasDosDominios(Periodo $periodo, array $dominios, bool $semDominio): \Generator
     {
         $arquivos = $this->arquivos(Dias::ESTATISTICA, $periodo);
-        return $this->linhasDosDominios($periodo, $arquivos, new PorDominio($dominios, $semDominio), implode('; ', $dominios));
+        $soma = new PorDominio($dominios, $semDominio);
+        return $soma->linhas($periodo->fuso, $arquivos, $this->transbordo);
     }
 
     /**
@@ -319,29 +298,6 @@ final readonly class Relatorios
                 $itr->spam,
                 $this->transbordo->doDia($dia)
             );
-        }
-    }
-
-    private function linhasDosDominios(Periodo $periodo, array $arquivos, PorDominio $soma, string $nome): \Generator
-    {
-        foreach ($arquivos as $dia => $arquivo) {
-            foreach ($soma->horas($arquivo) as $segundos => [$enviadas, $bytesE, $recebidas, $bytesR, $virus, $spam, $erros]) {
-                $inicio = (new \DateTimeImmutable("@$segundos"))->setTimezone($periodo->fuso);
-                yield new HoraDeUsuario(
-                    $nome,
-                    $dia,
-                    $inicio,
-                    (int) $inicio->format('G'),
-                    $enviadas,
-                    $bytesE,
-                    $recebidas,
-                    $bytesR,
-                    $spam,
-                    $virus,
-                    $erros,
-                    $this->transbordo->doDia($dia)
-                );
-            }
         }
     }
 }

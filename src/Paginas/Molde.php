@@ -109,7 +109,8 @@ final class Molde
             new FilesystemLoader(dirname(__DIR__, 2) . '/paginas/templates'),
             ['strict_variables' => true, 'autoescape' => 'html', 'cache' => false]
         );
-        $twig->addGlobal('menu', array_map(static fn (string $c): string => $c::NOME, array_values(Aplicacao::PAGINAS)));
+        $paginas = array_values(Aplicacao::PAGINAS);
+        $twig->addGlobal('menu', array_map(static fn (string $c): string => $c::NOME, $paginas));
         $quando = static fn (?\DateTimeInterface $t): string =>
             $t === null ? '' : $humano->instante($t->format(DATE_ATOM));
         foreach (

@@ -93,9 +93,10 @@ final readonly class Narrativa
         foreach ($r->destinatarios as $d) {
             $recusado = $d->estado === Estado::Recusado;
             $texto = $recusado ? implode(' ', self::linhas($d->texto)) : '';
-            $chave = (count($r->destinatarios) > self::POUCOS ? '' : $d->quando->getTimestamp()) . ($recusado ? "-$texto" : '+');
-            $passos[$chave] ??= ['quando' => $d->quando, 'ate' => $d->quando, 'tipo' => $d->estado->value, 'nomes' => [],
-                'mais' => 0, 'texto' => $texto];
+            $quando = count($r->destinatarios) > self::POUCOS ? '' : $d->quando->getTimestamp();
+            $chave = $quando . ($recusado ? "-$texto" : '+');
+            $passos[$chave] ??= ['quando' => $d->quando, 'ate' => $d->quando, 'tipo' => $d->estado->value,
+                'nomes' => [], 'mais' => 0, 'texto' => $texto];
             $passos[$chave]['quando'] = min($passos[$chave]['quando'], $d->quando);
             $passos[$chave]['ate'] = max($passos[$chave]['ate'], $d->quando);
             if (count($passos[$chave]['nomes']) < self::NOMEADOS) {

@@ -20,8 +20,8 @@ use Vorna\Mrel\Visivel;
 final class Parametros
 {
     /** Every one that some page reads. */
-    public const TODOS = ['de', 'ate', 'usuario', 'remetente', 'destinatario', 'id', 'min_kb', 'max_kb', 'hora', 'cursor',
-        'por', 'dominios', 'lingua', 'relay', 'formato'];
+    public const TODOS = ['de', 'ate', 'usuario', 'remetente', 'destinatario', 'id', 'min_kb', 'max_kb', 'hora',
+        'cursor', 'por', 'dominios', 'lingua', 'relay', 'formato'];
 
     /** Longer than any name or id that a day file can hold. */
     private const MAIOR = 1024;

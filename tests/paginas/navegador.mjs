@@ -155,17 +155,6 @@ async function horas({ servidor, confere }, p) {
     `${mapa.length} days\n    ${porHora}\n    ${noMapa}`);
 }
 
-/** Twenty recipients; a message on its way; what a help desk reads out. */
-async function rastros({ servidor, confere }, p) {
-  await p.goto(`${servidor.url}/rastro?relay=hostil&id=VINTE`, { waitUntil: 'load' });
-  const texto = await p.$eval('main', (m) => m.innerText);
-  const faltam = Array.from({ length: 20 }, (_, i) => `d${i + 1}@y.example`).filter((d) => !texto.includes(d));
-  confere('twenty recipients are there', faltam.length === 0, faltam);
-  await p.goto(`${servidor.url}/rastro?relay=hostil&id=CAMINHO`, { waitUntil: 'load' });
-  const meio = await p.$eval('main', (m) => m.innerText);
-  confere('a message on its way is told as such', /caminho|em curso|não terminou/i.test(meio) && !/[Ee]ntregue em/.test(meio), meio);
-}
-
 export default async function navegador(ctx) {
   const n = await abreNavegador(ctx.modulos);
   try {
@@ -173,7 +162,7 @@ export default async function navegador(ctx) {
     await todas(ctx, p);
     await html(ctx);
     await veste(p, 1280, 'light');
-    for (const faz of [grafico, ordena, vaiEVolta, horas, rastros]) {
+    for (const faz of [grafico, ordena, vaiEVolta, horas]) {
       await faz(ctx, p);
       const erros = p.erros.splice(0);
       ctx.confere(`${faz.name}: console and network`, erros.length === 0, erros.join('\n    '));

@@ -3,7 +3,7 @@
 //     node painel.mjs MODULES DATA EXTENSION FPM VTMREL [--full] [PART ...]
 //
 // MODULES is the folder of the npm packages, DATA what dados.php has made. The last line counts.
-import { Servidor } from './servidor.mjs';
+import { Servidor } from '../../dev.d/servidor.mjs';
 
 const [modulos, dados, extensao, fpm, vtmrel, ...resto] = process.argv.slice(2);
 const inteiro = resto.includes('--full');

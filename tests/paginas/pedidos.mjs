@@ -21,6 +21,8 @@ const casos = [
   ['/mensagens?usuario=x&cursor=nada', 422, /nada/],
   ['/rastro?id=a%20b', 422, /id="id-erro"/],
   ['/rastro?id=6AAAAAAAAAAAAAAA', 404, /6AAAAAAAAAAAAAAA/],
+  ['/rastro?relay=hostil&id=VINTE', 200, new RegExp(Array.from({ length: 20 }, (_, i) => `(?=[^]*d${i + 1}@y\\.example<)`).join(''))],
+  ['/rastro?relay=hostil&id=CAMINHO', 200, /<section class="resposta resposta-tenta"/],
   [`/usuario?usuario=ninguem@metalurgica.example&${umDia}`, 200, /class="(?:nota|vazio)"/],
   ['/mensagens?relay=mes&de=2026-03-15&ate=2026-03-15&usuario=x@y', 200, /class="vazio"/],
   ['/dias?relay=mes&de=2026-03-14&ate=2026-03-16', 200, /15\/03\/2026/],

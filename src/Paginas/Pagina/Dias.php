@@ -26,7 +26,8 @@ final class Dias extends Pagina
         }
         $dia = array_search('dia', $tabela->colunas, true);
         $html = $pedido->html($tabela, [
-            'dia' => static fn (array $l): string => $pedido->enderecos->de('horas', ['de' => $l[$dia], 'ate' => $l[$dia]]),
+            'dia' => static fn (array $l): string =>
+                $pedido->enderecos->de('horas', ['de' => $l[$dia], 'ate' => $l[$dia]]),
         ], ['usuario']);
         return new Conteudo([
             'tabela' => $html,

@@ -46,39 +46,48 @@ final class Resumo extends Pagina
         $tudo = $pedido->permissao->tudo();
         $dias = $tudo ? iterator_to_array($pedido->relatorios->totais($mes), false)
             : DiaDeUsuario::somados($pedido->horasDosDominios($mes));
-        $tabela = ($tudo ? Tabelas::dias($dias) : Tabelas::diasDeUsuario($dias))->comAbertos($abertos);
-        $com = array_map(static fn (Totais|DiaDeUsuario $d): string => $d->dia, $dias);
-        $humano = new Humano($pedido->lingua);
+        $com = array_column($dias, 'dia');
         $temDia = end($com) === $dia;
         $antes = array_slice($temDia ? array_slice($dias, 0, -1) : $dias, -Farol::DIAS);
-        $coluna = array_search('dia', $tabela->colunas, true);
         return new Conteudo([
             'dia_mostrado' => $dia,
-            'farol' => new Farol(
-                new Situacao($pedido->relay, $pedido->agora),
-                $humano->dia(...),
-                $tudo && $temDia ? $dias : null,
-                $pedido->lingua
-            ),
+            'farol' => self::farol($pedido, $tudo && $temDia ? $dias : null),
             'contadores' => $temDia
-                ? self::contadores(end($dias), $antes, $humano, $tudo ? self::DE_TODOS : self::DE_ALGUNS) : [],
+                ? self::contadores(end($dias), $antes, $pedido, $tudo ? self::DE_TODOS : self::DE_ALGUNS) : [],
             'comparados' => count($antes),
-            'tabela' => $pedido->html($tabela, [
-                'dia' => static fn (array $l): string =>
-                    $pedido->enderecos->de('horas', ['de' => $l[$coluna], 'ate' => $l[$coluna]]),
-            ], ['usuario']),
+            'tabela' => self::doMes($pedido, $dias, $abertos),
             'faltam' => $dias ? Lacunas::em(Periodo::de($com[0], $dia, $periodo->fuso), $com) : [],
             'remetentes' => self::maiores($pedido, $dia, Contador::Enviadas),
             'destinatarios' => self::maiores($pedido, $dia, Contador::Recebidas),
         ]);
     }
 
+    /** @param ?list<Totais> $totais to compare the last of them with those before; null when they are not all mail */
+    private static function farol(Pedido $pedido, ?array $totais): Farol
+    {
+        $situacao = new Situacao($pedido->relay, $pedido->agora);
+        return new Farol($situacao, (new Humano($pedido->lingua))->dia(...), $totais, $pedido->lingua);
+    }
+
+    /** @param list<Totais|DiaDeUsuario> $dias */
+    private static function doMes(Pedido $pedido, array $dias, array $abertos): TabelaHtml
+    {
+        $tudo = $pedido->permissao->tudo();
+        $tabela = ($tudo ? Tabelas::dias($dias) : Tabelas::diasDeUsuario($dias))->comAbertos($abertos);
+        $coluna = array_search('dia', $tabela->colunas, true);
+        return $pedido->html($tabela, [
+            'dia' => static fn (array $l): string =>
+                $pedido->enderecos->de('horas', ['de' => $l[$coluna], 'ate' => $l[$coluna]]),
+        ], ['usuario']);
+    }
+
     /**
      * @param list<Totais|DiaDeUsuario> $antes
      * @param array<string, string> $campos property by column
      */
-    private static function contadores(Totais|DiaDeUsuario $dia, array $antes, Humano $humano, array $campos): array
+    private static function contadores(Totais|DiaDeUsuario $dia, array $antes, Pedido $pedido, array $campos): array
     {
+        $humano = new Humano($pedido->lingua);
         $contadores = [];
         foreach ($campos as $coluna => $campo) {
             $n = $dia->$campo;

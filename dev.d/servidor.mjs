@@ -6,7 +6,7 @@ import net from 'node:net';
 import os from 'node:os';
 import path from 'node:path';
 
-const raiz = path.resolve(import.meta.dirname, '../..');
+const raiz = path.resolve(import.meta.dirname, '..');
 const root = process.getuid() === 0;
 
 export const portaLivre = () => new Promise((pronto) => {
