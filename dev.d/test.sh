@@ -101,6 +101,7 @@ test_all() {
             phpt) phpt ;;
             phpunit) library ;;
             frota) fleet ;;
+            clickhouse) clickhouse ;;
             check | static) if "$part"; then add 1; else add 0 1; fi ;;
             *) die "there is no test '$part'" ;;
         esac
