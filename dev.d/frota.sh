@@ -10,6 +10,8 @@ clickhouse() {
 
 fleet() {
     build
+    # shellcheck disable=SC2086
+    need $fleet_packages phpunit
     cmake_build release gera_logs
     say "fleet"
     mail=$root/out/frota peers=$root/out/frota-npm

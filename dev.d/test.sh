@@ -78,6 +78,8 @@ run_phpunit() {
 library() {
     build
     cmake_build release gera_logs
+    # shellcheck disable=SC2086
+    need $test_packages
     say "PHP library"
     mail=$root/out/phpunit
     rm -rf "$mail"
@@ -92,7 +94,9 @@ library() {
 test_all() {
     deps
     mkdir -p out
-    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit frota faults check static
+    # shellcheck disable=SC2086
+    [ $# -gt 0 ] || need $test_packages $pages_packages $fleet_packages $deb_packages
+    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit painel frota deb faults check static
     for part in "$@"; do
         case $part in
             asan) unit asan ;;
@@ -100,8 +104,10 @@ test_all() {
             tsan) unit tsan 'VeltoStringThreads.*' ;;
             phpt) phpt ;;
             phpunit) library ;;
+            painel) panel ;;
             frota) fleet ;;
             clickhouse) clickhouse ;;
+            deb) deb_test ;;
             check | static) if "$part"; then add 1; else add 0 1; fi ;;
             *) die "there is no test '$part'" ;;
         esac
