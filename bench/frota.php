@@ -70,9 +70,9 @@ $tabela = [];
 $anota = function (string $que, string $pede, string $foi, bool $cumpre) use (&$tabela): void {
     $tabela[] = [$que, $pede, $foi, $cumpre ? 'ok' : 'MISSED'];
 };
-foreach ([['the month', 35, "--de=$de", "--ate=$ate"], ['a day again', 2, "--de=$de"]] as [$que, $alvo, $um, $outro]) {
+foreach ([['the month', 35, "--de=$de", "--ate=$ate"], ['a day again', 2, "--de=$de", null]] as [$que, $alvo, $um, $outro]) {
     $antes = servidor($cluster);
-    $m = mede($envia(...array_filter([$um, $outro ?? null])));
+    $m = mede($envia(...array_filter([$um, $outro])));
     $acima = ($m['pico'] - $php) / 1048576;
     $foi = sprintf('%.1f s; %.1f MiB; CPU %.1f s and the server\'s %.1f s', $m['relogio'], $acima, $m['cpu'], servidor($cluster) - $antes);
     $anota("`envia`, $que", "$alvo s; 32 MiB above PHP's own", $foi, $m['relogio'] <= $alvo && $acima <= 32);
