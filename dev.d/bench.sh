@@ -5,6 +5,12 @@ bench() {
     need ripgrep
     mkdir -p out
     cmake_build release gera_logs mede
+    if [ "${1:-}" = --fleet ]; then
+        # shellcheck disable=SC2086
+        need $fleet_packages
+        "$PHP" -d "extension=$extension" bench/frota.php "$extension" out/release out/bench
+        return
+    fi
     peers=
     if [ "${1:-}" = --peers ]; then
         shift

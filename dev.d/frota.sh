@@ -1,9 +1,17 @@
-# ./dev test frota: many relays in one database, over a month of generated mail.
+# ./dev test frota: many relays in one database, over a month of generated mail. ./dev test clickhouse: that too in
+# ClickHouse's engine, whose package of half a GiB the other tests do without.
+
+chdb=3.4.0  # of npm
+
+clickhouse() {
+    need_npm "$root/out/chdb" "chdb@$chdb"
+    VT_CHDB=$root/out/chdb fleet
+}
 
 fleet() {
     build
     # shellcheck disable=SC2086
-    need $fleet_packages
+    need $fleet_packages phpunit
     cmake_build release gera_logs
     say "fleet"
     mail=$root/out/frota peers=$root/out/frota-npm

@@ -106,6 +106,7 @@ test_all() {
             phpunit) library ;;
             painel) panel ;;
             frota) fleet ;;
+            clickhouse) clickhouse ;;
             deb) deb_test ;;
             check | static) if "$part"; then add 1; else add 0 1; fi ;;
             *) die "there is no test '$part'" ;;

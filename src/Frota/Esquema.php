@@ -200,7 +200,7 @@ final readonly class Esquema
     /** @return list<string> */
     private function clickhouse(): array
     {
-        $ordem = ['totais' => 'relay, dia', 'usuarios' => 'relay, dia, usuario, hora', 'eventos' => 'relay, dia, n'];
+        $ordem = ['totais' => 'relay, dia', 'usuarios' => 'relay, dia, usuario', 'eventos' => 'relay, dia, n'];
         $tabelas = array_map(fn (string $t): string => $this->tabela(
             $t,
             "\nENGINE = MergeTree PARTITION BY (dia, relay) ORDER BY ($ordem[$t])",

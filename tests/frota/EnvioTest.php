@@ -149,6 +149,47 @@ final class EnvioTest extends Caso
         self::assertSame($esperado, self::contagem());
     }
 
+    /** One day of one relay, a second time while the first is under way: it waits, and takes its place. */
+    public function testOMesmoDiaDeDois(): void
+    {
+        $a = new Arvore();
+        $relay = self::pequeno($a, 'r', 900);
+        $trava = self::travaNoMeio();
+        $primeiro = self::comeca(self::envia($relay, '--de=' . self::DIA));
+        self::ate("SELECT 1 FROM pg_locks WHERE locktype = 'advisory' AND objid = 42 AND NOT granted");
+        $segundo = self::comeca(self::envia($relay, '--de=' . self::DIA));
+        self::ate("SELECT 1 FROM pg_locks WHERE NOT granted GROUP BY 1 HAVING count(*) = 2");
+        pg_close($trava);
+        self::assertSame([[0, ''], [0, '']], [self::espera($primeiro), self::espera($segundo)]);
+        self::assertSame([['r', self::DIA, '900', '1', '2700']], self::contagem());
+    }
+
+    /** Consolidated anew while it is sent: what was read may be half of each, so none of it stays. */
+    public function testConsolidadoDuranteOEnvio(): void
+    {
+        $a = new Arvore();
+        $relay = self::pequeno($a, 'r', 900);
+        $trava = self::travaNoMeio();
+        $comecado = self::comeca(self::envia($relay, '--de=' . self::DIA));
+        self::ate("SELECT 1 FROM pg_locks WHERE locktype = 'advisory' AND objid = 42 AND NOT granted");
+        self::pequeno($a, 'r', 600);
+        pg_close($trava);
+        [$codigo, $erros] = self::espera($comecado);
+        self::assertSame([1, 1], [$codigo, substr_count($erros, 'consolidado de novo')]);
+        self::assertSame([], self::contagem());
+    }
+
+    /** From now on the server waits at the 2000th event of a day for a lock that the connection has. */
+    private static function travaNoMeio(): \PgSql\Connection
+    {
+        self::$cluster->sql("CREATE FUNCTION espera() RETURNS trigger LANGUAGE plpgsql AS
+            'BEGIN IF new.n = 2000 THEN PERFORM pg_advisory_xact_lock(42); END IF; RETURN new; END';
+            CREATE TRIGGER espera BEFORE INSERT ON eventos FOR EACH ROW EXECUTE FUNCTION espera()");
+        $trava = self::$cluster->conecta();
+        pg_query($trava, 'SELECT pg_advisory_lock(42)');
+        return $trava;
+    }
+
     /** @return array<string, array{\Closure(resource): mixed, ?int}> what breaks a sending, and the exit code of a sender that can tell */
     public function quebras(): array
     {
@@ -174,12 +215,7 @@ final class EnvioTest extends Caso
         self::assertSame(0, self::roda($relay, '--de=2026-03-11')->codigo);
         $antes = self::contagem();
         self::pequeno($a, 'r', 900, '2026-03-11');
-        // The server waits at the 2000th event for a lock that this test has.
-        self::$cluster->sql("CREATE FUNCTION espera() RETURNS trigger LANGUAGE plpgsql AS
-            'BEGIN IF new.n = 2000 THEN PERFORM pg_advisory_lock(42); END IF; RETURN new; END';
-            CREATE TRIGGER espera BEFORE INSERT ON eventos FOR EACH ROW EXECUTE FUNCTION espera()");
-        $trava = self::$cluster->conecta();
-        pg_query($trava, 'SELECT pg_advisory_lock(42)');
+        $trava = self::travaNoMeio();
         $comecado = self::comeca(self::envia($relay, '--de=2026-03-10', '--ate=2026-03-11'));
         self::ate("SELECT 1 FROM pg_locks WHERE locktype = 'advisory' AND objid = 42 AND NOT granted");
         $quebra($comecado[0]);

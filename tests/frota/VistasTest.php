@@ -113,39 +113,53 @@ final class VistasTest extends Caso
         unset($servidores);
     }
 
-    /** @return array<string, array{string, string, list<string>}> the schema, what runs it, and how a table is loaded */
+    /** @return array<string, array{string, ?string}> where its packages of npm are; null: not installed for this run */
     public function outros(): array
     {
-        return ['duckdb' => ['duckdb', 'duckdb.mjs', [
-            "COPY (FROM le_%1\$s('%2\$s.csv')) TO '%2\$s' (FORMAT parquet, PARTITION_BY (dia))",
-            "INSERT INTO %1\$s BY NAME SELECT * FROM read_parquet('%2\$s/*/*.parquet', hive_partitioning = true)",
-        ]]];
+        $outros = ['duckdb' => ['duckdb', getenv('VT_NPM')]];
+        return getenv('VT_CHDB') ? [...$outros, 'clickhouse' => ['clickhouse', getenv('VT_CHDB')]] : $outros;
     }
 
     /**
-     * The same export, through Parquet.
+     * The same export in another database, loaded as its schema says.
      *
      * @dataProvider outros
      */
-    public function testOutrosBancos(string $esquema, string $programa, array $carga): void
+    public function testOutrosBancos(string $banco, string $npm): void
     {
         $pasta = sys_get_temp_dir() . '/vt_analise_' . bin2hex(random_bytes(4));
         mkdir($pasta);
-        $comandos = [Vtmrel::roda(['esquema', $esquema])->saida];
+        $esquema = Vtmrel::roda(['esquema', $banco])->saida;
+        $comandos = [$esquema];
         [$de, $ate] = self::DIAS;
         foreach (['totais', 'usuarios', 'eventos'] as $tabela) {
             Vtmrel::roda(['exporta', $tabela, '--relay=matriz', '--dados=' . self::mes()->dados, '--fuso=Atlantic/Azores',
                 "--de=$de", "--ate=$ate"], saida: "$pasta/$tabela.csv");
-            array_push($comandos, ...array_map(static fn (string $c): string => sprintf($c, $tabela, "$pasta/$tabela"), $carga));
+            array_push($comandos, ...self::carga($banco, $tabela, "$pasta/$tabela", $esquema));
         }
         $comandos[] = "INSERT INTO relays VALUES ('matriz', 'Atlantic/Azores', 'metalurgica.example')";
         file_put_contents("$pasta/pedido.json", json_encode([$comandos, Espelho::consultas('matriz')]));
-        $r = Vtmrel::executa(['node', __DIR__ . "/$programa", getenv('VT_NPM'), "$pasta/pedido.json"]);
+        $r = Vtmrel::executa(['node', __DIR__ . ($banco === 'duckdb' ? '/duckdb.mjs' : '/clickhouse.cjs'), $npm, "$pasta/pedido.json"]);
         self::assertSame([0, ''], [$r->codigo, $r->erros]);
         $respostas = json_decode($r->saida, true);
         $deQuem = array_flip(Espelho::consultas('matriz'));
         self::iguais(static fn (string $consulta): array => $respostas[$deQuem[$consulta]]);
-        self::assertNotEmpty(glob("$pasta/eventos/dia=2026-03-29/*.parquet"));
+        $banco === 'duckdb' && self::assertNotEmpty(glob("$pasta/eventos/dia=2026-03-29/*.parquet"));
         Arvore::apaga($pasta);
+    }
+
+    /** @return list<string> what loads a file of the export: in DuckDB by way of Parquet */
+    private static function carga(string $banco, string $tabela, string $arquivo, string $esquema): array
+    {
+        if ($banco === 'duckdb') {
+            return [
+                "COPY (FROM le_$tabela('$arquivo.csv')) TO '$arquivo' (FORMAT parquet, PARTITION_BY (dia))",
+                "INSERT INTO $tabela BY NAME SELECT * FROM read_parquet('$arquivo/*/*.parquet', hive_partitioning = true)",
+            ];
+        }
+        preg_match("/INSERT INTO eventos (SELECT .*)\n-- +FROM input\('(.*)'\) FORMAT CSVWithNames/", $esquema, $m);
+        return [$tabela === 'eventos'
+            ? "INSERT INTO eventos $m[1] FROM file('$arquivo.csv', CSVWithNames, '$m[2]')"
+            : "INSERT INTO $tabela SELECT * FROM file('$arquivo.csv', CSVWithNames)"];
     }
 }
