@@ -205,6 +205,15 @@ final readonly class Rotulos
         return ["$dia ainda não terminou: vale ", "$dia is not over yet: figures are "][$this->i] . "{$this->ate($ate)}.";
     }
 
+    /** What is told before logs are joined, figures as people write them. */
+    public function juncao(string $quantos, string $bytes, string $livres): string
+    {
+        return [
+            "juntando $quantos logs, que ocupam até $bytes enquanto se consolida; há $livres livres.",
+            "joining $quantos logs, which take up to $bytes during the run; $livres are free.",
+        ][$this->i];
+    }
+
     /** @return array<string, array{string, string, string, string}> head pt, head en, definition pt, definition en */
     private static function tabela(string $tabela): array
     {

@@ -68,6 +68,10 @@ final class Opcoes
         'todas' => ['all', '', self::SEM, 'sem filtro: todas as mensagens submetidas', 'no filter: all messages submitted'],
         'forcar' => ['force', '', self::SEM, 'até este momento, e outra vez no mesmo dia; o ponto não se move',
             'up to this moment, and again on the same day; the point does not move'],
+        'ate-agora' => ['until-now', '', self::SEM, 'também o dia de hoje até este momento, sem que um leitor o note; o '
+            . 'ponto não se move', 'today up to this moment too, unnoticed by readers; the point does not move'],
+        'juntar' => ['join', '', self::SEM, 'junta antes os logs, também .gz, como se nunca tivessem sido girados',
+            'joins the logs first, .gz too, as if they had never been rotated'],
         'excel' => ['excel', '', self::SEM, 'csv para uma planilha: ";", BOM, CR LF, vírgula decimal',
             'csv for a spreadsheet: ";", BOM, CR LF, decimal comma'],
         'anonimo' => ['anonymous', '', self::SEM, 'símbolos no lugar dos nomes; domínios ficam, textos não',
