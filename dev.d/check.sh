@@ -62,6 +62,28 @@ check_lists() {
     return $ok
 }
 
+# How much of the code is there to test the rest: a third of it at most. Saved inputs, what is generated and
+# what others wrote count on neither side.
+check_share() {
+    find . \( -path ./out -o -path ./.git -o -name vendor -o -name node_modules \) -prune -o -type f \
+        \( -name '*.cpp' -o -name '*.h' -o -name '*.php' -o -name '*.phpt' -o -name '*.inc' -o -name '*.sh' \
+        -o -name '*.js' -o -name '*.mjs' -o -name '*.twig' -o -path ./dev -o -path './bin/*' -o -path './.ci/*' \) -print |
+        grep -v '_arginfo\.h$\|\.min\.js$' | xargs grep -Hc '[^[:space:]]' |
+        awk -F: '
+            { all += $2; split($1, part, "/") }
+            part[2] ~ /^(tests|faults|fuzz|engines)$/ { tests += $2 }
+            END {
+                printf "tests are %d of %d lines, %.1f %%; a third at most\n", tests, all, 100 * tests / all
+                exit tests == 0 || 3 * tests > all
+            }'
+}
+
+# Files and functions can be read: dev.d/sizes.php has the limits.
+check_sizes() {
+    # shellcheck disable=SC2046
+    "$PHP" dev.d/sizes.php $(sources) $(find bench demo dev.d extras faults php src tests -name '*.php' ! -name '*.stub.php')
+}
+
 # The core compiles alone: no generated header, no macro, nothing of PHP.
 check_alone() { ! grep -nE '#include [<"](php|zend|config\.h)' $(find $core -type f); }
 
@@ -95,6 +117,8 @@ check_man() {
 # each CHECK ...: runs them all, then tells whether all passed.
 each() {
     deps
+    # shellcheck disable=SC2086
+    need $test_packages
     mkdir -p out
     bad=0
     for c in "$@"; do
@@ -106,7 +130,7 @@ each() {
 
 check() {
     say "house checks"
-    each ascii format floors lists alone arginfo man
+    each ascii format floors lists sizes share alone arginfo man
 }
 
 # What tools find without running anything: conversions, clang-tidy and its analyzer (.clang-tidy
@@ -149,6 +173,8 @@ check_cppcheck() {
 arginfo() {
     asked_here arginfo || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     generate_arginfo out/arginfo
     cp out/arginfo/*_arginfo.h php/
 }
@@ -156,6 +182,8 @@ arginfo() {
 format() {
     asked_here format || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     "clang-format-$llvm" -i $(sources)
 }
 

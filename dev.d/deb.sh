@@ -12,6 +12,8 @@ deb_version() {
 # deb [VERSION]: the tree as it stands, built in a copy of it. Another version is for trying an upgrade.
 deb() {
     deps
+    # shellcheck disable=SC2086
+    need $deb_packages
     say "building the Debian packages"
     rm -rf "$deb_out"
     mkdir -p "$deb_out/vt-mrel"

@@ -33,8 +33,9 @@ class SemPrivilegio {
 class GravacaoTest : public testing::Test {
   protected:
     // Writes `texto` over `rel`; 0 or the errno of the first step that failed.
-    int grava(const std::string& rel, const std::string& texto) {
+    int grava(const std::string& rel, const std::string& texto = "new") {
         Gravacao g;
+        errno = EISDIR;  // of something else, long ago
         if (!g.abre(arvore.path(rel).c_str())) return errno;
         EXPECT_NE(fcntl(fileno(g.stream()), F_GETFD) & FD_CLOEXEC, 0);
         std::fwrite(texto.data(), 1, texto.size(), g.stream());
@@ -51,45 +52,44 @@ class GravacaoTest : public testing::Test {
         ASSERT_EQ(symlink(alvo.c_str(), arvore.path(rel).c_str()), 0);
     }
 
-    int entradas() {
-        int n = 0;
-        for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(arvore.path()))
-            ++n;
-        return n;
+    void muda(const std::string& rel, mode_t modo) {
+        ASSERT_EQ(chmod(arvore.path(rel).c_str(), modo), 0);
+    }
+
+    long entradas() {
+        std::filesystem::directory_iterator todas(arvore.path());
+        return std::distance(begin(todas), end(todas));
     }
 
     ArvoreTemporaria arvore;
 };
 
-TEST_F(GravacaoTest, NewFileTakesTheUmask) {
+// A new file takes the umask; an old one is replaced, keeps mode and owner, and whoever had it open
+// still reads all of it. What a killed run left beside it goes.
+TEST_F(GravacaoTest, novosESubstituidos) {
     const mode_t antes = umask(027);
-    EXPECT_EQ(grava("a", "new"), 0);
+    EXPECT_EQ(grava("novo"), 0);
     umask(antes);
-    EXPECT_EQ(arvore.read("a"), "new");
-    EXPECT_EQ(estado("a").st_mode & 07777, 0640u);
-    EXPECT_EQ(entradas(), 1);
-}
-
-TEST_F(GravacaoTest, RegularFileIsReplacedAndKeepsModeAndOwner) {
+    EXPECT_EQ(estado("novo").st_mode & 07777, 0640u);
     const std::string a = arvore.write("a", "old");
-    ASSERT_EQ(chmod(a.c_str(), 0604), 0);
+    arvore.write("a.novo", "of a killed run");
+    muda("a", 0604);
     ASSERT_TRUE(geteuid() != 0 || chown(a.c_str(), 12, 34) == 0);
-    const struct stat antes = estado("a");
+    const struct stat velho = estado("a");
     const Stream leitor = abre_leitura(a.c_str());
     EXPECT_EQ(grava("a", "brand new"), 0);
-    const struct stat depois = estado("a");
+    const struct stat novo = estado("a");
     EXPECT_EQ(arvore.read("a"), "brand new");
-    EXPECT_NE(depois.st_ino, antes.st_ino);
-    EXPECT_EQ(depois.st_mode, antes.st_mode);
-    EXPECT_EQ(depois.st_uid, antes.st_uid);
-    EXPECT_EQ(depois.st_gid, antes.st_gid);
-    // Whoever had the old file open still reads all of it.
+    EXPECT_NE(novo.st_ino, velho.st_ino);
+    EXPECT_EQ(novo.st_mode, velho.st_mode);
+    EXPECT_TRUE(novo.st_uid == velho.st_uid && novo.st_gid == velho.st_gid);
     char lido[8] = {};
     EXPECT_EQ(std::fread(lido, 1, sizeof lido, leitor.get()), 3u);
     EXPECT_STREQ(lido, "old");
+    EXPECT_EQ(entradas(), 2);
 }
 
-TEST_F(GravacaoTest, LinksAreFollowed) {
+TEST_F(GravacaoTest, ligacoesSaoSeguidas) {
     arvore.write("real/a", "old");
     liga("real/a", "um");
     liga(arvore.path("um"), "dois");
@@ -100,24 +100,19 @@ TEST_F(GravacaoTest, LinksAreFollowed) {
     EXPECT_EQ(arvore.read("real/new"), "via a dangling one");
     for (const char* l : {"um", "dois", "solta"}) EXPECT_TRUE(S_ISLNK(estado(l).st_mode)) << l;
     EXPECT_EQ(entradas(), 4);
-
     liga("real/none/x", "perdida");
-    EXPECT_EQ(grava("perdida", "x"), ENOENT);
     liga("anel", "anel");
-    EXPECT_EQ(grava("anel", "x"), ELOOP);
+    EXPECT_EQ(grava("perdida"), ENOENT);
+    EXPECT_EQ(grava("anel"), ELOOP);
+    // A second name of the file sees what is written: it is written in place.
+    arvore.write("b", "old and longer");
+    ASSERT_EQ(link(arvore.path("b").c_str(), arvore.path("c").c_str()), 0);
+    EXPECT_EQ(grava("b"), 0);
+    EXPECT_EQ(arvore.read("c"), "new");
+    EXPECT_FALSE(arvore.exists("b.novo"));
 }
 
-TEST_F(GravacaoTest, HardLinksAreWrittenInPlace) {
-    const std::string a = arvore.write("a", "old and longer");
-    ASSERT_EQ(link(a.c_str(), arvore.path("b").c_str()), 0);
-    const ino_t antes = estado("a").st_ino;
-    EXPECT_EQ(grava("a", "new"), 0);
-    EXPECT_EQ(arvore.read("b"), "new");
-    EXPECT_EQ(estado("a").st_ino, antes);
-    EXPECT_EQ(entradas(), 2);
-}
-
-TEST_F(GravacaoTest, AbandonedWritingLeavesTheOldFile) {
+TEST_F(GravacaoTest, abandonadaDeixaOVelho) {
     arvore.write("a", "old");
     {
         Gravacao g;
@@ -127,116 +122,85 @@ TEST_F(GravacaoTest, AbandonedWritingLeavesTheOldFile) {
     }
     EXPECT_EQ(arvore.read("a"), "old");
     EXPECT_EQ(entradas(), 1);
-}
-
-TEST_F(GravacaoTest, LeftoversAreReplaced) {
-    arvore.write("a", "old");
-    arvore.write("a.novo", "of a killed run");
-    const ino_t antes = estado("a").st_ino;
-    EXPECT_EQ(grava("a", "new"), 0);
-    EXPECT_EQ(arvore.read("a"), "new");
-    EXPECT_NE(estado("a").st_ino, antes);
-    EXPECT_EQ(entradas(), 1);
+    // The second text passes the limit only after several flushes of the stream's buffer.
+    for (const std::size_t tamanho : {std::size_t{3000}, std::size_t{300000}}) {
+        int erro;
+        {
+            const Limite cheio(RLIMIT_FSIZE, tamanho - 10);
+            erro = grava("a", std::string(tamanho, 'x'));
+        }
+        EXPECT_EQ(erro, EFBIG) << tamanho;
+        EXPECT_EQ(arvore.read("a"), "old");
+        EXPECT_EQ(entradas(), 1);
+    }
 }
 
 // A link, a directory or another user's file beside the target is left alone, and the target
 // written in place.
-TEST_F(GravacaoTest, WhatIsNotALeftoverStays) {
+TEST_F(GravacaoTest, oQueNaoERestoFica) {
     arvore.write("victim", "whole");
     liga("victim", "link.novo");
     arvore.write("dir.novo/inside", "whole");
-    arvore.write("other.novo", "whole");
-    if (geteuid() == 0) {
-        ASSERT_EQ(chown(arvore.path("other.novo").c_str(), 65534, 65534), 0);
-    }
+    const std::string other = arvore.write("other.novo", "whole");
+    ASSERT_TRUE(geteuid() != 0 || chown(other.c_str(), 65534, 65534) == 0);
     for (const std::string nome : {"link", "dir", "other"}) {
         arvore.write(nome, "old and longer");
-        const ino_t antes = estado(nome.c_str()).st_ino;
-        EXPECT_EQ(grava(nome.c_str(), "new"), 0) << nome;
+        const ino_t antes = estado(nome).st_ino;
+        EXPECT_EQ(grava(nome), 0) << nome;
         EXPECT_EQ(arvore.read(nome), "new") << nome;
         // The owner of all three, where the test does not run as root, replaces what is his.
-        EXPECT_TRUE(estado(nome.c_str()).st_ino == antes || (nome == "other" && geteuid() != 0));
+        EXPECT_TRUE(estado(nome).st_ino == antes || (nome == "other" && geteuid() != 0));
     }
     for (const char* nome : {"victim", "dir.novo/inside"}) EXPECT_EQ(arvore.read(nome), "whole");
-    EXPECT_TRUE(std::filesystem::is_symlink(arvore.path("link.novo")));
+    EXPECT_TRUE(S_ISLNK(estado("link.novo").st_mode));
 }
 
-TEST_F(GravacaoTest, PipesAreNeverRenamedOver) {
+// No pipe is renamed over; what cannot be written is told at once.
+TEST_F(GravacaoTest, canosEAlvosImpossiveis) {
     ASSERT_EQ(mkfifo(arvore.path("cano").c_str(), 0600), 0);
+    EXPECT_EQ(grava("cano"), ENXIO);  // nobody reads it
     const Stream leitor = abre_leitura(arvore.path("cano").c_str());
-    ASSERT_TRUE(leitor);
     EXPECT_EQ(grava("cano", "through"), 0);
     char lido[16] = {};
     EXPECT_EQ(read(fileno(leitor.get()), lido, sizeof lido), 7);
-    EXPECT_STREQ(lido, "through");
     EXPECT_TRUE(S_ISFIFO(estado("cano").st_mode));
-    EXPECT_EQ(entradas(), 1);
-}
-
-TEST_F(GravacaoTest, FullDeviceIsTold) {
+    arvore.write("d/x", "");
+    EXPECT_EQ(grava("d"), EISDIR);
+    EXPECT_EQ(grava("cano/b"), ENOTDIR);
+    EXPECT_EQ(grava("none/b"), ENOENT);
+    EXPECT_EQ(entradas(), 2);
     liga("/dev/full", "cheio");
-    ASSERT_EQ(chmod(arvore.path().c_str(), 0755), 0);
+    muda("", 0755);
     // Never as root: a fault in the code under test would replace the machine's device.
     const SemPrivilegio outro;
     EXPECT_EQ(grava("cheio", "x"), ENOSPC);
     EXPECT_EQ(grava("cheio", std::string(100000, 'x')), ENOSPC);
 }
 
-TEST_F(GravacaoTest, UnwritableTargetsAreToldAtOnce) {
-    ASSERT_EQ(mkdir(arvore.path("d").c_str(), 0755), 0);
-    ASSERT_EQ(mkfifo(arvore.path("cano").c_str(), 0600), 0);
-    arvore.write("a", "old");
-    EXPECT_EQ(grava("d", "x"), EISDIR);
-    EXPECT_EQ(grava("cano", "x"), ENXIO);  // nobody reads it
-    EXPECT_EQ(grava("a/b", "x"), ENOTDIR);
-    EXPECT_EQ(grava("none/b", "x"), ENOENT);
-    EXPECT_EQ(entradas(), 3);
-}
-
-TEST_F(GravacaoTest, FullDiskLeavesTheOldFile) {
-    arvore.write("a", "old");
-    // The second text passes the limit only after several flushes of the stream's buffer.
-    for (const std::size_t tamanho : {std::size_t{3000}, std::size_t{300000}}) {
-        const std::string texto(tamanho, 'x');
-        const rlim_t limite = tamanho - 10;
-        int erro;
-        {
-            const DiscoCheio cheio(limite);
-            erro = grava("a", texto);
-        }
-        EXPECT_EQ(erro, EFBIG) << tamanho;
-        EXPECT_EQ(arvore.read("a"), "old");
-        EXPECT_EQ(entradas(), 1);
-    }
-    EXPECT_EQ(grava("a", "new"), 0);
-}
-
-TEST_F(GravacaoTest, WithoutAFitTemporaryItIsWrittenInPlace) {
-    // No new file in the directory; or one that could not be given to the old file's owner.
-    for (const mode_t modo : {0555, 0777}) {
-        const std::string a = arvore.write("d/a", "old and longer");
-        ASSERT_EQ(chmod(a.c_str(), 0666), 0);
-        ASSERT_EQ(chmod(arvore.path("d").c_str(), modo), 0);
-        ASSERT_EQ(chmod(arvore.path().c_str(), 0755), 0);
+// No new file in the directory; or one that could not be given to the old file's owner.
+TEST_F(GravacaoTest, semTemporarioEscreveNoLugar) {
+    arvore.write("d/a", "");
+    muda("d/a", 0666);
+    muda("", 0755);
+    for (const mode_t modo : {0777, 0555}) {
+        arvore.write("d/a", "old and longer");
+        muda("d", modo);
         const struct stat antes = estado("d/a");
-        int erro;
+        int erro, sem_lugar;
         {
             const SemPrivilegio outro;
-            erro = grava("d/a", "new");
+            erro = grava("d/a");
+            sem_lugar = modo == 0555 ? grava("d/b") : EACCES;
         }
         EXPECT_EQ(erro, 0);
+        EXPECT_EQ(sem_lugar, EACCES);
         EXPECT_EQ(arvore.read("d/a"), "new");
         EXPECT_EQ(estado("d/a").st_uid, antes.st_uid);
         // The owner itself, where the test does not run as root, may replace it.
         EXPECT_TRUE(estado("d/a").st_ino == antes.st_ino || (modo == 0777 && geteuid() != 0));
         EXPECT_FALSE(arvore.exists("d/a.novo"));
     }
-    ASSERT_EQ(chmod(arvore.path("d").c_str(), 0555), 0);
-    {
-        const SemPrivilegio outro;
-        EXPECT_EQ(grava("d/b", "new"), EACCES);
-    }
-    EXPECT_EQ(chmod(arvore.path("d").c_str(), 0755), 0);
+    muda("d", 0755);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "borland/XmlRegistry.h"
 #include "tests/unit/apoio/arvore.h"
@@ -15,89 +14,73 @@
 
 namespace {
 
-class Registry : public testing::Test {
+class Registro : public testing::Test {
   protected:
-    std::vector<std::string> chaves() {
+    std::string chaves() {
         VeltoStringList l;
         l.Add("emptied first");
         reg.GetKeyNames(&l);
-        std::vector<std::string> r;
-        for (int i = 0; i < l.Count; ++i) r.emplace_back(l[i].c_str());
+        std::string r;
+        for (int i = 0; i < l.Count; ++i) (r += l[i].c_str()) += ' ';
         return r;
     }
+    bool ha(const std::string& rel) { return arvore.exists(raiz + rel); }
 
-    mode_t modo(const std::string& rel) {
-        struct stat st;
-        return stat(arvore.path(rel).c_str(), &st) == 0 ? st.st_mode & 07777 : 0;
-    }
-
+    const std::string raiz = "HKEY_CURRENT_USER/", a = raiz + "A/Values.xml";
     ArvoreTemporaria arvore;
     XmlRegistry reg{arvore.path().c_str()};
 };
 
-TEST_F(Registry, Beginning) {
+TEST_F(Registro, caminhos) {
     const XmlRegistry fixo;
     EXPECT_STREQ(fixo.rootPath.c_str(), "/etc/regdb");
-    EXPECT_STREQ(fixo.RootKey.c_str(), "HKEY_CURRENT_USER");
-    EXPECT_TRUE(fixo.CurrentPath == "" && !fixo.isDirty);
-}
-
-TEST_F(Registry, Paths) {
-    const std::string raiz = arvore.path("HKEY_CURRENT_USER");
-    EXPECT_EQ(reg.GetDirPath().c_str(), raiz);
+    EXPECT_STREQ(reg.RootKey.c_str(), "HKEY_CURRENT_USER");
+    EXPECT_EQ(reg.GetDirPath().c_str() + std::string("/"), arvore.path(raiz));
     reg.CurrentPath = "A b\\C";
-    EXPECT_EQ(reg.GetFilePath().c_str(), raiz + "/A b/C/Values.xml");
+    EXPECT_EQ(reg.GetFilePath().c_str(), arvore.path(raiz + "A b/C/Values.xml"));
     reg.RootKey = "R";
     EXPECT_EQ(reg.GetFullPath("\\%s").c_str(), arvore.path("R/A b/C/%s"));
 }
 
-TEST_F(Registry, OpenKey) {
+TEST_F(Registro, abreChaves) {
+    arvore.write(raiz + "A/file", "");
+    const mode_t antes = umask(022);
     const struct {
         const char* chave;
-        bool cria;
-        bool abre;
+        bool cria, abre;
         const char* atual;
     } passos[] = {
-        {"A", false, false, ""},         {"A\\B\\C", true, true, "A\\B\\C"},
-        {"\\A", false, true, "A"},       {"B", false, true, "A\\B"},
-        {"C", false, true, "A\\B\\C"},   {"D", false, false, ""},
-        {"A\\B", false, true, "A\\B"},   {"\\", false, true, ""},
-        {"\\A\\x", true, true, "A\\x"},  {"file", false, false, ""},
-        {"A\\x\\file", true, false, ""},
+        {"B", false, false, ""},        {"A\\B\\C", true, true, "A\\B\\C"},
+        {"\\A", false, true, "A"},      {"B", false, true, "A\\B"},
+        {"C", false, true, "A\\B\\C"},  {"D", false, false, ""},
+        {"A\\B", false, true, "A\\B"},  {"\\", false, true, ""},
+        {"\\A\\x", true, true, "A\\x"}, {"\\A\\file", false, false, ""},
+        {"A\\file", true, false, ""},
     };
     for (const auto& p : passos) {
-        if (std::strcmp(p.chave, "file") == 0) arvore.write("HKEY_CURRENT_USER/A/x/file", "");
         EXPECT_EQ(reg.OpenKey(p.chave, p.cria), p.abre) << p.chave;
         EXPECT_STREQ(reg.CurrentPath.c_str(), p.atual) << p.chave;
     }
+    umask(antes);
+    for (const char* d : {"A/B", "A/B/C"}) {
+        struct stat st {};
+        EXPECT_EQ(stat(arvore.path(raiz + d).c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 07777, 0755u) << d;
+    }
+    EXPECT_FALSE(ha("A/B/C/Values.xml"));
     ASSERT_TRUE(reg.OpenKey("\\A", false));
     EXPECT_FALSE(reg.OpenKey(reg.CurrentPath, false));
+    // Making a directory is told only where more than the last one was missing.
+    for (const auto& [chave, feitas] :
+         {std::pair{"N\\B", 1}, {"N\\B", 0}, {"N\\C", 0}, {"A\\file\\D", 0}}) {
+        reg.CurrentPath = chave;
+        EXPECT_EQ(reg.CreateKeyDir(), feitas) << chave;
+    }
+    EXPECT_TRUE(ha("N/C"));
 }
 
-TEST_F(Registry, ChainsAreCreatedWithTheirMode) {
-    const mode_t antes = umask(022);
-    EXPECT_TRUE(reg.OpenKey("\\A\\B\\C", true));
-    umask(antes);
-    for (const char* d : {"HKEY_CURRENT_USER", "HKEY_CURRENT_USER/A", "HKEY_CURRENT_USER/A/B",
-                          "HKEY_CURRENT_USER/A/B/C"})
-        EXPECT_EQ(modo(d), 0755u) << d;
-    EXPECT_FALSE(arvore.exists("HKEY_CURRENT_USER/A/B/C/Values.xml"));
-}
-
-TEST_F(Registry, CreateKeyDirTellsOnlyTheLongWay) {
-    reg.CurrentPath = "A\\B";
-    EXPECT_EQ(reg.CreateKeyDir(), 1);
-    EXPECT_EQ(reg.CreateKeyDir(), 0);
-    reg.CurrentPath = "A\\C";
-    EXPECT_EQ(reg.CreateKeyDir(), 0);
-    EXPECT_TRUE(arvore.exists("HKEY_CURRENT_USER/A/C"));
-    arvore.write("HKEY_CURRENT_USER/file", "");
-    reg.CurrentPath = "file\\D";
-    EXPECT_EQ(reg.CreateKeyDir(), 0);
-}
-
-TEST_F(Registry, WritesBackWhenItLeavesTheKey) {
-    const std::string a = "HKEY_CURRENT_USER/A/Values.xml", b = "HKEY_CURRENT_USER/B/Values.xml";
+// When the key is left, and only if something changed.
+TEST_F(Registro, escreveAoSair) {
     {
         XmlRegistry outro(arvore.path().c_str());
         ASSERT_TRUE(outro.OpenKey("A", true));
@@ -107,9 +90,9 @@ TEST_F(Registry, WritesBackWhenItLeavesTheKey) {
         EXPECT_TRUE(arvore.exists(a));
         EXPECT_TRUE(outro.ReadString("Path").IsEmpty());
         outro.WriteInteger("n", 3);
-        EXPECT_FALSE(arvore.exists(b));
+        EXPECT_FALSE(ha("B/Values.xml"));
     }
-    EXPECT_TRUE(arvore.exists(b));
+    EXPECT_TRUE(ha("B/Values.xml"));
     ASSERT_TRUE(reg.OpenKey("\\A", false));
     EXPECT_STREQ(reg.ReadString("Path").c_str(), "x");
     EXPECT_FALSE(reg.DeleteValue("none"));
@@ -123,65 +106,55 @@ TEST_F(Registry, WritesBackWhenItLeavesTheKey) {
     VeltoStringList nomes;
     reg.GetValueNames(&nomes);
     EXPECT_EQ(nomes.Count, 1);
-    EXPECT_STREQ(nomes[0].c_str(), "n");
-}
-
-TEST_F(Registry, OpeningWithoutChangesWritesNothing) {
-    const std::string v = "HKEY_CURRENT_USER/A/Values.xml",
-                      texto = "<x><regvaluestore>\n<integer n";
-    arvore.write(v, texto);
-    ASSERT_TRUE(reg.OpenKey("A", false));
-    ASSERT_TRUE(reg.OpenKey("\\B", true));
+    const std::string torto = "<x><regvaluestore>\n<integer n";
+    arvore.write(a, torto);
+    ASSERT_TRUE(reg.OpenKey("\\A", false));
+    ASSERT_TRUE(reg.OpenKey("\\C", true));
     reg.CloseKey();
-    EXPECT_EQ(arvore.read(v), texto);
-    EXPECT_FALSE(arvore.exists("HKEY_CURRENT_USER/B/Values.xml"));
+    EXPECT_EQ(arvore.read(a), torto);
+    EXPECT_FALSE(ha("C/Values.xml"));
 }
 
-TEST_F(Registry, FailedSaveLeavesTheOldFile) {
+TEST_F(Registro, gravacaoQueFalhaDeixaAVelha) {
     ASSERT_TRUE(reg.OpenKey("A", true));
     reg.WriteString("a", "old");
     reg.CloseKey();
-    const std::string v = "HKEY_CURRENT_USER/A/Values.xml", antes = arvore.read(v);
+    const std::string antes = arvore.read(a);
     ASSERT_TRUE(reg.OpenKey("A", false));
     reg.WriteString("a", std::string(50000, 'x').c_str());
     {
-        const DiscoCheio cheio(10000);
+        const Limite cheio(RLIMIT_FSIZE, 10000);
         reg.CloseKey();
     }
-    EXPECT_EQ(arvore.read(v), antes);
+    EXPECT_EQ(arvore.read(a), antes);
     ASSERT_TRUE(reg.OpenKey("A", false));
-    EXPECT_EQ(chaves(), std::vector<std::string>());
+    EXPECT_EQ(chaves(), "");
     EXPECT_STREQ(reg.ReadString("a").c_str(), "old");
 }
 
-TEST_F(Registry, DeleteKeyKeepsSubkeys) {
-    const std::string raiz = "HKEY_CURRENT_USER/A";
-    arvore.write(raiz + "/Values.xml", "x");
-    arvore.write(raiz + "/B/Values.xml", "x");
+TEST_F(Registro, nomesEFimDasChaves) {
+    EXPECT_EQ(chaves(), "");
+    for (const char* n : {"b/x", "B/x", "Values.xml", "a", ".hidden", "values.xml"})
+        arvore.write(raiz + n, "");
+    EXPECT_EQ(chaves(), ".hidden B a b values.xml ");
+    // A key goes with its values, not with keys below it.
+    arvore.write(a, "x");
+    arvore.write(raiz + "A/B/Values.xml", "x");
     EXPECT_FALSE(reg.DeleteKey("A"));
-    EXPECT_FALSE(arvore.exists(raiz + "/Values.xml"));
-    EXPECT_TRUE(arvore.exists(raiz + "/B/Values.xml"));
+    EXPECT_TRUE(!arvore.exists(a) && ha("A/B/Values.xml"));
     ASSERT_TRUE(reg.OpenKey("A", false));
     EXPECT_TRUE(reg.DeleteKey("B"));
-    EXPECT_FALSE(arvore.exists(raiz + "/B"));
     EXPECT_FALSE(reg.DeleteKey("B"));
     reg.CloseKey();
     EXPECT_TRUE(reg.DeleteKey("A"));
-    EXPECT_FALSE(arvore.exists(raiz));
+    EXPECT_FALSE(ha("A"));
 }
 
-TEST_F(Registry, KeyNames) {
-    EXPECT_EQ(chaves(), std::vector<std::string>());
-    for (const char* n : {"b/x", "B/x", "Values.xml", "a", ".hidden", "values.xml"})
-        arvore.write(std::string("HKEY_CURRENT_USER/") + n, "");
-    EXPECT_EQ(chaves(), (std::vector<std::string>{".hidden", "B", "a", "b", "values.xml"}));
-}
-
-TEST_F(Registry, LooseDirectoryTestLetsASocketPass) {
+TEST_F(Registro, umSocketPassaPorDiretorio) {
     ASSERT_TRUE(reg.OpenKey("", true));
     sockaddr_un nome{};
     nome.sun_family = AF_UNIX;
-    const std::string p = arvore.path("HKEY_CURRENT_USER/s");
+    const std::string p = arvore.path(raiz + "s");
     ASSERT_LT(p.size(), sizeof nome.sun_path);
     std::memcpy(nome.sun_path, p.c_str(), p.size());
     const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);

@@ -1,4 +1,5 @@
-// The shared text against a plain model, its record sizes, its oddities and its lock.
+// The shared text and the list of texts: against a plain model, then the sizes, oddities and the
+// lock.
 #include "borland/vtstring.h"
 
 #include <gtest/gtest.h>
@@ -7,9 +8,12 @@
 #include <cctype>
 #include <functional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "borland/vtstringlist.h"
 
 namespace {
 
@@ -21,9 +25,8 @@ std::string conteudo(const VeltoString& s) {
 std::string modelo_trim(const std::string& s) {
     const auto branco = [](char c) { return static_cast<signed char>(c) <= 32; };
     if (s.empty() || (!branco(s.front()) && !branco(s.back()))) return s;
-    std::size_t de = 0;
+    std::size_t de = 0, ate = s.size() - 1;
     while (de < s.size() && branco(s[de])) ++de;
-    std::size_t ate = s.size() - 1;
     while (ate > de && branco(s[ate])) --ate;
     return ate > de ? s.substr(de, ate - de) : "";
 }
@@ -42,7 +45,7 @@ class Dueto {
             ASSERT_EQ(v_[k] == v_[i], m_[k] == m_[i]);
             ASSERT_EQ(v_[k] != m_[j].c_str(), m_[k] != m_[j]);
         }
-        if (m_[i].size() > 3000) corta(i);
+        if (m_[i].size() > 3000) v_[i].SetLength(10), m_[i].resize(10);
     }
 
   private:
@@ -57,19 +60,13 @@ class Dueto {
         return s;
     }
 
-    void corta(int i) {
-        v_[i].SetLength(10);
-        m_[i].resize(10);
-    }
-
     std::mt19937 acaso_;
     VeltoString v_[total];
     std::string m_[total];
 
     const std::vector<std::function<void(int, int)>> ops_ = {
         [this](int i, int j) {
-            if (i == j) return;  // a string assigned to itself is a case of its own
-            v_[i] = v_[j], m_[i] = m_[j];
+            if (i != j) v_[i] = v_[j], m_[i] = m_[j];  // to itself is a case of its own
         },
         [this](int i, int) { m_[i] = texto(60), v_[i] = m_[i].c_str(); },
         [this](int i, int j) { v_[i] += v_[j], m_[i] += m_[j]; },
@@ -81,34 +78,30 @@ class Dueto {
         },
         [this](int i, int j) {
             const int pos = numero(v_[i].Length() + 6) - 2;
-            const std::size_t p = std::clamp<int>(pos - 1, 0, v_[i].Length());
             const std::string novo = m_[j];
-            v_[i].Insert(v_[j].c_str(), pos), m_[i].insert(p, novo);
+            m_[i].insert(std::clamp<int>(pos - 1, 0, v_[i].Length()), novo);
+            v_[i].Insert(v_[j].c_str(), pos);
         },
         [this](int i, int) {
             const int n = numero(v_[i].Length() + 30) - 3, antes = v_[i].Length();
-            v_[i].SetLength(n);
+            v_[i].SetLength(n), m_[i].resize(std::max(n, 0), 'n');
             for (int k = antes + 1; k <= n; ++k) v_[i][k] = 'n';
-            m_[i].resize(std::max(n, 0), 'n');
         },
         [this](int i, int j) {
             const std::string novo = "<" + m_[j] + "|" + m_[i] + ">";
-            const int n = v_[i].printf("<%s|%s>", v_[j].c_str(), v_[i].c_str());
+            EXPECT_EQ(v_[i].printf("<%s|%s>", v_[j].c_str(), v_[i].c_str()), novo.size());
             m_[i] = novo;
-            EXPECT_EQ(n, static_cast<int>(novo.size()));
         },
         [this](int i, int j) {
             const std::string novo = m_[j] + "-7" + m_[i];
-            const int n = v_[i].cat_printf("%s%d%s", v_[j].c_str(), -7, v_[i].c_str());
+            EXPECT_EQ(v_[i].cat_printf("%s%d%s", v_[j].c_str(), -7, v_[i].c_str()), novo.size());
             m_[i] += novo;
-            EXPECT_EQ(n, static_cast<int>(novo.size()));
         },
         [this](int i, int) { v_[i].Empty(), m_[i].clear(); },
         [this](int i, int) { v_[i].setAllocationPolicy(numero(200), numero(25)); },
         [this](int i, int j) { v_[i] = v_[j].Trim(), m_[i] = modelo_trim(m_[j]); },
         [this](int i, int j) {
-            v_[i] = v_[j].LowerCase();
-            m_[i] = m_[j];
+            v_[i] = v_[j].LowerCase(), m_[i] = m_[j];
             for (char& c : m_[i])
                 c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         },
@@ -126,209 +119,142 @@ class Dueto {
         },
         [this](int i, int j) {
             const std::string s = texto(2);
-            const auto achado = m_[i].find(s);
-            EXPECT_EQ(v_[i].Pos(s.c_str()), achado == std::string::npos || m_[i].empty()
-                                                ? 0
-                                                : static_cast<int>(achado) + 1);
-            const auto ultimo = m_[j].find_last_of(s);
-            EXPECT_EQ(v_[j].LastDelimiter(s.c_str()),
-                      ultimo == std::string::npos ? 0 : static_cast<int>(ultimo) + 1);
+            const std::size_t achado = m_[i].empty() ? std::string::npos : m_[i].find(s);
+            EXPECT_EQ(v_[i].Pos(s.c_str()), static_cast<int>(achado + 1));
+            EXPECT_EQ(v_[j].LastDelimiter(s.c_str()), static_cast<int>(m_[j].find_last_of(s) + 1));
         },
     };
 };
 
-TEST(VeltoString, AgreesWithPlainCopies) {
+TEST(VeltoString, concordaComCopias) {
     for (unsigned semente = 1; semente <= 20; ++semente) {
-        SCOPED_TRACE(semente);
         Dueto d(semente);
         for (int i = 0; i < 1500 && !testing::Test::HasFatalFailure(); ++i) d.passo();
     }
 }
 
-const std::string dez(10, 'd'), cem(100, 'c'), mil(1000, 'm');
-
-struct CasoTamanho {
-    const char* nome;
-    void (*faz)(VeltoString&);
-    unsigned size;
-    unsigned len;
-    int factor;
-};
-
-class Tamanhos : public testing::TestWithParam<CasoTamanho> {};
-
-TEST_P(Tamanhos, Record) {
-    VeltoString s;
-    GetParam().faz(s);
-    ASSERT_NE(s.data, nullptr);
-    EXPECT_EQ(s.data->size, GetParam().size);
-    EXPECT_EQ(s.data->len, GetParam().len);
-    EXPECT_EQ(s.data->factor, GetParam().factor);
-    EXPECT_EQ(s.data->refcount, 1);
+// What a record takes, and when it grows. The steps of a row: "p100:10" sets room and factor, "=9"
+// assigns so many letters, "+9" adds them, "l9" sets the length, "i9" inserts, "f9" and "c9" are
+// printf and cat_printf.
+TEST(VeltoString, tamanhos) {
+    const struct {
+        const char* passos;
+        unsigned size, len;
+        int factor;
+    } casos[] = {
+        {"=10 +4", 34, 14, 0},
+        {"=10 +5", 39, 15, 0},
+        {"p100:10", 124, 0, 10},
+        {"p-5:3", 24, 0, 3},
+        {"=2 p100:10", 26, 2, 10},
+        {"p100:10 =1000 =1", 1024, 1, 10},
+        {"p100:10 =100 +10", 260, 110, 10},
+        {"p100:5 l105", 195, 105, 5},
+        {"p100:10 l236", 260, 236, 10},
+        {"p100:10 l237", 261, 237, 10},
+        {"p100:-30 l105", 129, 105, -30},
+        {"l10 +1", 35, 11, 0},
+        {"i3", 27, 3, 0},
+        {"f10", 34, 10, 0},
+        {"f0", 24, 0, 0},
+        {"p11:7 f10", 35, 10, 7},
+        {"p7:7 f10", 31, 10, 7},
+        {"p6:7 f10", 34, 10, 0},
+        {"c10", 30, 10, 0},
+        {"c0", 20, 0, 0},
+        {"=10 c3", 34, 13, 0},
+        {"=10 c4", 38, 14, 0},
+        {"p100:10 c110", 260, 110, 10},
+        {"=1 c1000", 1025, 1001, 0},
+    };
+    for (const auto& c : casos) {
+        VeltoString s;
+        std::istringstream passos(c.passos);
+        for (std::string passo; passos >> passo;) {
+            const int n = std::stoi(passo.substr(1));
+            const std::string letras(passo[0] == 'p' ? 0 : n, 'x');
+            const char* const x = letras.c_str();
+            if (passo[0] == 'p')
+                s.setAllocationPolicy(n, std::stoi(passo.substr(passo.find(':') + 1)));
+            if (passo[0] == '=') s = x;
+            if (passo[0] == '+') s += x;
+            if (passo[0] == 'l') s.SetLength(n);
+            if (passo[0] == 'i') s.Insert(x, 7);
+            if (passo[0] == 'f') s.printf("%s", x);
+            if (passo[0] == 'c') s.cat_printf("%s", x);
+        }
+        ASSERT_NE(s.data, nullptr) << c.passos;
+        EXPECT_EQ(s.data->size, c.size) << c.passos;
+        EXPECT_EQ(s.data->len, c.len) << c.passos;
+        EXPECT_EQ(s.data->factor, c.factor) << c.passos;
+    }
 }
 
-using V = VeltoString;
-const CasoTamanho tamanhos[] = {
-    {"new_text", [](V& s) { s = dez.c_str(); }, 34, 10, 0},
-    {"four_characters_more_still_fit", [](V& s) { s = dez.c_str(), s += "1234"; }, 34, 14, 0},
-    {"five_do_not", [](V& s) { s = dez.c_str(), s += "12345"; }, 39, 15, 0},
-    {"policy_on_empty", [](V& s) { s.setAllocationPolicy(100, 10); }, 124, 0, 10},
-    {"policy_negative_room", [](V& s) { s.setAllocationPolicy(-5, 3); }, 24, 0, 3},
-    {"policy_keeps_record_of_text", [](V& s) { s = "ab", s.setAllocationPolicy(100, 10); }, 26, 2,
-     10},
-    {"assigned_into_kept_record",
-     [](V& s) { s.setAllocationPolicy(100, 10), s = mil.c_str(), s = "x"; }, 1024, 1, 10},
-    {"doubling", [](V& s) { s.setAllocationPolicy(100, 10), s = cem.c_str(), s += dez.c_str(); },
-     260, 110, 10},
-    {"doubling_not_enough", [](V& s) { s.setAllocationPolicy(100, 10), s = mil.c_str(); }, 1024,
-     1000, 10},
-    {"by_half", [](V& s) { s.setAllocationPolicy(100, 5), s.SetLength(105); }, 195, 105, 5},
-    {"short_of_the_margin", [](V& s) { s.setAllocationPolicy(100, 10), s.SetLength(237); }, 261,
-     237, 10},
-    {"just_the_margin", [](V& s) { s.setAllocationPolicy(100, 10), s.SetLength(236); }, 260, 236,
-     10},
-    {"negative_factor", [](V& s) { s.setAllocationPolicy(100, -30), s.SetLength(105); }, 129, 105,
-     -30},
-    {"set_length_on_empty", [](V& s) { s.SetLength(10); }, 30, 10, 0},
-    {"set_length_on_empty_then_one_more", [](V& s) { s.SetLength(10), s += "x"; }, 35, 11, 0},
-    {"insert_into_empty", [](V& s) { s.Insert("abc", 7); }, 27, 3, 0},
-    {"zero_byte", [](V& s) { s = V('\0'); }, 25, 1, 0},
-    {"printf_on_empty", [](V& s) { s.printf("%s", dez.c_str()); }, 34, 10, 0},
-    {"printf_nothing", [](V& s) { s.printf("%s", ""); }, 24, 0, 0},
-    {"printf_below_room", [](V& s) { s.setAllocationPolicy(11, 7), s.printf("%s", dez.c_str()); },
-     35, 10, 7},
-    {"printf_fits", [](V& s) { s.setAllocationPolicy(7, 7), s.printf("%s", dez.c_str()); }, 31, 10,
-     7},
-    {"printf_at_the_limit_forgets_factor",
-     [](V& s) { s.setAllocationPolicy(6, 7), s.printf("%s", dez.c_str()); }, 34, 10, 0},
-    {"cat_printf_on_empty", [](V& s) { s.cat_printf("%s", dez.c_str()); }, 30, 10, 0},
-    {"cat_printf_nothing_on_empty", [](V& s) { s.cat_printf("%s", ""); }, 20, 0, 0},
-    {"cat_printf_fits", [](V& s) { s = dez.c_str(), s.cat_printf("%d", 123); }, 34, 13, 0},
-    {"cat_printf_at_the_limit_grows", [](V& s) { s = dez.c_str(), s.cat_printf("%d", 1234); }, 38,
-     14, 0},
-    {"cat_printf_keeps_factor",
-     [](V& s) { s.setAllocationPolicy(100, 10), s.cat_printf("%s%s", cem.c_str(), dez.c_str()); },
-     260, 110, 10},
-    {"longer_than_any_buffer", [](V& s) { s = "x", s.cat_printf("%s", mil.c_str()); }, 1025, 1001,
-     0},
-};
-
-INSTANTIATE_TEST_SUITE_P(VeltoString, Tamanhos, testing::ValuesIn(tamanhos),
-                         [](const auto& info) { return std::string(info.param.nome); });
-
-TEST(VeltoString, PrivateCopyKeepsSizeAndFactor) {
-    VeltoString a;
-    a.setAllocationPolicy(100, 10);
-    a = "abc";
-    VeltoString b(a);
-    ASSERT_EQ(a.data, b.data);
-    EXPECT_EQ(a.data->refcount, 2);
-    b += "d";
-    EXPECT_STREQ(a.c_str(), "abc");
-    EXPECT_STREQ(b.c_str(), "abcd");
-    EXPECT_EQ(a.data->refcount, 1);
-    EXPECT_EQ(b.data->size, 124u);
-    EXPECT_EQ(b.data->factor, 10);
-}
-
-TEST(VeltoString, SomeChangesReachEverySharer) {
+// A change makes a copy of one's own, with the room of the old one; a letter, the policy and what
+// empties it do not.
+TEST(VeltoString, quemPartilha) {
     VeltoString a("abc"), b(a);
     b[1] = 'X';
     EXPECT_STREQ(a.c_str(), "Xbc");
     b.setAllocationPolicy(500, 5);
     EXPECT_EQ(a.data, b.data);
     EXPECT_EQ(a.data->factor, 5);
-}
-
-TEST(VeltoString, Empty) {
-    VeltoString a("abc");
-    a.Empty();
-    EXPECT_EQ(a.data, nullptr);
+    a.deallocate();
     a.setAllocationPolicy(100, 10);
-    VeltoStringData* registro = a.data;
     a = "abc";
+    b = a;
+    EXPECT_EQ(a.data->refcount, 2);
+    b += "d";
+    EXPECT_STREQ(a.c_str(), "abc");
+    EXPECT_EQ(a.data->refcount, 1);
+    EXPECT_EQ(b.data->size, 124u);
+    EXPECT_EQ(b.data->factor, 10);
+    const VeltoStringData* registro = a.data;
     a.Empty();
     EXPECT_EQ(a.data, registro);
-    EXPECT_EQ(a.data->size, 124u);
-    a = "abc";
-    const VeltoString outra(a);
-    a.Empty();
-    EXPECT_STREQ(outra.c_str(), "abc");
-    EXPECT_TRUE(a.IsEmpty());
+    EXPECT_EQ(b.Trim().data, b.data);
 }
 
-TEST(VeltoString, OwnTextAsArgument) {
-    VeltoString sozinha("abc");
-    const VeltoString& mesma = sozinha;
+// A part of the own text as an argument. Alone and assigned to itself, a text is lost.
+TEST(VeltoString, oProprioTexto) {
+    VeltoString sozinha("abc"), a("abc"), b(a);
+    const VeltoString &mesma = sozinha, &mesma_a = a;
     sozinha = mesma;
     EXPECT_EQ(sozinha.data, nullptr);
-
-    VeltoString a("abc"), b(a);
-    const VeltoString& mesma_a = a;
     a = mesma_a;
-    EXPECT_STREQ(a.c_str(), "abc");
     EXPECT_EQ(a.data->refcount, 2);
-
     a = a.c_str() + 1;
-    EXPECT_STREQ(a.c_str(), "bc");
     a += a;
     EXPECT_STREQ(a.c_str(), "bcbc");
     a.Insert(a.c_str() + 1, 2);
-    EXPECT_STREQ(a.c_str(), "bcbccbc");
     a.append(a.c_str() + 5, 2);
     EXPECT_STREQ(a.c_str(), "bcbccbcbc");
     EXPECT_STREQ(b.c_str(), "abc");
-
-    VeltoString crescente;
-    crescente.setAllocationPolicy(100, 10);
-    crescente = "abc";
-    crescente = crescente.c_str() + 1;
-    EXPECT_STREQ(crescente.c_str(), "bc");
-    crescente = crescente.c_str();
-    EXPECT_STREQ(crescente.c_str(), "");
+    a.deallocate();
+    a.setAllocationPolicy(100, 10);
+    a = "abc";
+    a = a.c_str() + 1;
+    EXPECT_STREQ(a.c_str(), "bc");
+    a = a.c_str();
+    EXPECT_STREQ(a.c_str(), "");
 }
 
-TEST(VeltoString, Searches) {
-    const VeltoString abc("abc"), vazia;
-    EXPECT_EQ(abc.Pos("b"), 2);
-    EXPECT_EQ(abc.Pos("x"), 0);
-    EXPECT_EQ(abc.Pos(nullptr), 1);
-    EXPECT_EQ(vazia.Pos("a"), 0);
-    EXPECT_EQ(vazia.Pos(""), 0);
-    EXPECT_EQ(VeltoString("a/b/c").LastDelimiter("/"), 4);
-    EXPECT_EQ(VeltoString("a.b/c").LastDelimiter("./"), 4);
-    EXPECT_EQ(abc.LastDelimiter("/"), 0);
-    EXPECT_EQ(abc.LastDelimiter(""), 0);
-    EXPECT_EQ(abc.LastDelimiter(nullptr), 0);
-    EXPECT_EQ(vazia.LastDelimiter("/."), 0);
-    EXPECT_EQ(VeltoString(" 42x").ToInt(), 42);
-    EXPECT_EQ(vazia.ToInt(), 0);
-    EXPECT_EQ(abc[1], 'a');
-}
-
-TEST(VeltoString, Comparisons) {
-    const VeltoString vazia, zero('\0'), abc("abc"), prefixo("abc", 2);
+// What is asked of no text, an empty record or a single NUL; and out of range.
+TEST(VeltoString, nadaEForaDoTexto) {
+    const VeltoString abc("abc"), vazia, zero('\0');
     VeltoString esvaziada;
     esvaziada.setAllocationPolicy(10, 1);
     EXPECT_TRUE(vazia == "" && vazia == static_cast<const char*>(nullptr) && vazia == esvaziada);
-    EXPECT_TRUE(esvaziada == "" && esvaziada == vazia);
-    EXPECT_TRUE(vazia != "a" && vazia != abc && abc != vazia && abc != "");
-    EXPECT_TRUE(prefixo == "ab" && prefixo != "abc" && prefixo != abc);
-    EXPECT_TRUE(zero != "" && zero != vazia);
-}
-
-TEST(VeltoString, SubStrings) {
-    const VeltoString s("abcdef");
-    EXPECT_STREQ(s.SubString(2, 0).c_str(), "bcdef");
-    EXPECT_STREQ(s.SubString(5, 10).c_str(), "ef");
-    EXPECT_EQ(s.SubString(7, 1).data, nullptr);
-    EXPECT_EQ(s.SubString(-1, 3).data, nullptr);
-    EXPECT_EQ(s.SubString(2, -1).data, nullptr);
-    EXPECT_EQ(conteudo(s.SubString(0, 3)), std::string("\0ab", 3));
-    EXPECT_EQ(VeltoString().SubString(1, 0).data, nullptr);
-}
-
-TEST(VeltoString, NullTextsAreEmpty) {
+    EXPECT_TRUE(esvaziada == "" && esvaziada == vazia && zero != "" && zero != vazia);
+    EXPECT_TRUE(vazia != "a" && vazia != abc && abc != vazia && abc != "" && abc != "abcd");
+    EXPECT_EQ(abc.Pos(nullptr), 1);
+    EXPECT_EQ(vazia.Pos("") + abc.LastDelimiter(nullptr) + abc.LastDelimiter(""), 0);
+    EXPECT_EQ(vazia.LastDelimiter("/.") + vazia.ToInt(), 0);
+    EXPECT_EQ(VeltoString(" 42x").ToInt(), 42);
+    for (const auto& [de, n] : {std::pair{7, 1}, {-1, 3}, {2, -1}})
+        EXPECT_EQ(abc.SubString(de, n).data, nullptr) << de;
+    EXPECT_EQ(conteudo(abc.SubString(0, 3)), std::string("\0ab", 3));
+    EXPECT_STREQ(VeltoString(" \xE9 ").Trim().c_str(), "");
     VeltoString s(nullptr, 5);
     EXPECT_EQ(s.data, nullptr);
     s = "abc";
@@ -338,21 +264,6 @@ TEST(VeltoString, NullTextsAreEmpty) {
     EXPECT_STREQ(s.c_str(), "abc");
     s = nullptr;
     EXPECT_EQ(s.data, nullptr);
-}
-
-TEST(VeltoString, Trim) {
-    struct {
-        const char* texto;
-        const char* resto;
-    } casos[] = {
-        {" abc ", "ab"},      {"abc ", "ab"}, {" abc", "ab"}, {" a ", ""},
-        {"   ", ""},          {"\xE9", ""},   {"", ""},       {"\xE9\xE9tudo\xE3", "tud"},
-        {"a\xE9z", "a\xE9z"},
-    };
-    for (const auto& c : casos)
-        EXPECT_STREQ(VeltoString(c.texto).Trim().c_str(), c.resto) << c.texto;
-    const VeltoString abc("abc");
-    EXPECT_EQ(abc.Trim().data, abc.data);
 }
 
 // Meant for ThreadSanitizer: copies in several threads, any of which may be the last to let go.
@@ -377,6 +288,51 @@ TEST(VeltoStringThreads, CopiesOfOneRecord) {
         threads.clear();
         EXPECT_TRUE(!guardada.data || guardada.data->refcount == 1);
     }
+}
+
+std::string textos(const VeltoStringList& l) {
+    std::string r;
+    for (int i = 0; i < l.Count; ++i) (r += l.list[i]->c_str()) += ' ';
+    return r;
+}
+
+// Objects stay at their index, whatever becomes of the texts.
+TEST(VeltoStringList, textosEObjetos) {
+    VeltoStringList l, outra;
+    VeltoObject* const objeto = static_cast<VeltoObject*>(static_cast<void*>(&outra));
+    for (const char* t : {"c", "B", "\xE1", "a", "", "a=b=c", "user", "user=2", "=x"}) l.Add(t);
+    EXPECT_EQ(l.AddObject("z", objeto), 9);
+    EXPECT_EQ(l.size, 10);
+    EXPECT_EQ(l.Insert(1, "onze"), 10);  // the count before
+    EXPECT_EQ(l.size, 15);
+    for (const int i : {-1, 11, 1000}) {
+        l.Delete(i);
+        EXPECT_EQ(l.Insert(i == 11 ? 12 : i, "x"), -1);
+        l[i] = "lixo";
+        EXPECT_TRUE(l[i].IsEmpty());
+    }
+    EXPECT_EQ(textos(l), "c onze B \xE1 a  a=b=c user user=2 =x z ");
+    for (const auto& [nome, valor] :
+         {std::pair{"user", "2"}, {"a", "b=c"}, {"a=b", "c"}, {"", "x"}, {"use", ""}, {"USER", ""}})
+        EXPECT_STREQ(l[nome].c_str(), valor) << nome;
+    l.Sort();
+    EXPECT_EQ(textos(l), " =x B a a=b=c c onze user user=2 z \xE1 ");
+    l.Delete(10);
+    l.Delete(0);
+    EXPECT_EQ(textos(l), "=x B a a=b=c c onze user user=2 z ");
+    EXPECT_EQ(l.Objects[8], nullptr);
+    EXPECT_EQ(l.Objects[9], objeto);
+    outra.Add("velho");
+    outra.Assign(&l);
+    outra.AddStrings(&outra);
+    EXPECT_EQ(textos(outra), textos(l) + textos(l));
+    EXPECT_EQ(outra.Objects, nullptr);
+    l.Clear();
+    EXPECT_EQ(l.Insert(0, "b") + l.Insert(0, "a") + l.Insert(2, "c"), 3);
+    EXPECT_EQ(textos(l), "a b c ");
+    while (l.Count < 16) l.Add("x");
+    EXPECT_EQ(l.Objects[9], objeto);
+    EXPECT_EQ(l.Objects[15], nullptr);
 }
 
 }  // namespace

@@ -2,11 +2,12 @@
 The module and the class as scripts and tools see them
 --FILE--
 <?php
-var_dump(in_array('Vorna PHP admin reports functions', get_loaded_extensions(), true));
+require __DIR__ . '/../inc/arvore.inc';
+diz(in_array('Vorna PHP admin reports functions', get_loaded_extensions(), true));
 $modulo = new ReflectionExtension('Vorna PHP admin reports functions');
-var_dump($modulo->getVersion(), count($modulo->getFunctions()));
+diz($modulo->getVersion(), count($modulo->getFunctions()));
 $classe = new ReflectionClass('vt_mrel');
-var_dump($classe->isFinal(), $classe->isCloneable(), $classe->getExtensionName());
+diz($classe->isFinal(), $classe->isCloneable(), $classe->getExtensionName());
 foreach ($classe->getMethods() as $m) {
     echo $m->name, '(', implode(', ', array_map(fn($p) => $p->name, $m->getParameters())), ")\n";
 }
@@ -24,12 +25,9 @@ foreach (['clone' => fn() => clone $m, 'serialize' => fn() => serialize($m),
 eval('class filha extends vt_mrel {}');
 ?>
 --EXPECTF--
-bool(true)
-NULL
-int(0)
-bool(true)
-bool(false)
-string(33) "Vorna PHP admin reports functions"
+true
+NULL 0
+true false 'Vorna PHP admin reports functions'
 __construct()
 getPontaraPath()
 setForceMode()

@@ -3,7 +3,7 @@ open_basedir holds for every path at each use: those that a script gives, the de
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
-limpa($raiz = arvore(__FILE__));
+$raiz = arvore(__FILE__);
 dia($raiz, "1 2 1 2 3 4 5 6 7 8\n[1]\nana 1 1 1 1 1 1 1 1\n", ['9:00:00 1 1 A INTERNO ana 100']);
 mkdir("$raiz/logs");
 ini_set('open_basedir', "/usr:$raiz");
@@ -18,16 +18,16 @@ function pergunta(vt_mrel $m): void
     $i = new vt_mrel_itr();
     $h = $i->getHandle();
     $fim = DIA + 86399;
-    var_dump($m->msgs_per_day(DIA, $fim, ' ', $h) . $m->msgs_per_hour(DIA, $fim, ' ', $h) . $m->msgs_per_hour(DIA, $fim, 'ana', $h)
+    diz($m->msgs_per_day(DIA, $fim, ' ', $h) . $m->msgs_per_hour(DIA, $fim, ' ', $h) . $m->msgs_per_hour(DIA, $fim, 'ana', $h)
         . $m->user_msgs('', 'ana', DIA, $fim, '', 0, 0, $h) . $m->msg_trace('A', DIA, $fim, $h) . (int) $i->fetch());
-    var_dump($m->consolidate($GLOBALS['raiz'] . '/ultima'));
+    diz($m->consolidate($GLOBALS['raiz'] . '/ultima'));
 }
 echo "given\n";
 $m = new vt_mrel();
-var_dump($m->setDataDir('/var/vt_fora'), $m->setLogDir('/var/log'), $m->setLogDir('/usr/share'), $m->consolidate('/var/vt_ultima'));
+diz($m->setDataDir('/var/vt_fora'), $m->setLogDir('/var/log'), $m->setLogDir('/usr/share'), $m->consolidate('/var/vt_ultima'));
 echo "defaults\n";
 pergunta($m = new vt_mrel());
-var_dump($m->setDataDir("$raiz/dat"), $m->consolidate("$raiz/ultima"));
+diz($m->setDataDir("$raiz/dat"), $m->consolidate("$raiz/ultima"));
 echo "tightened\n";
 $m = parser($raiz);
 pergunta($m);
@@ -44,30 +44,26 @@ given
 setDataDir() /var/vt_fora
 setLogDir() /var/log
 consolidate() /var/vt_ultima
-bool(false)
-bool(false)
-bool(true)
-bool(false)
+false false true false
 defaults
 msgs_per_day() DAT
 msgs_per_hour() DAT
 msgs_per_hour() DAT
 user_msgs() DAT
 msg_trace() DAT
-string(6) "000000"
+'000000'
 consolidate() DAT
-bool(false)
+false
 consolidate() LOGS
-bool(true)
-bool(false)
+true false
 tightened
-string(6) "111110"
-bool(false)
+'111110'
+false
 msgs_per_day() @/dat
 msgs_per_hour() @/dat
 msgs_per_hour() @/dat
 user_msgs() @/dat
 msg_trace() @/dat
-string(6) "000000"
+'000000'
 consolidate() @/ultima
-bool(false)
+false

@@ -2,8 +2,6 @@
 Two parsers in one script consolidate their own logs; consolidate always answers false
 --CONFLICTS--
 lock
---ENV--
-TZ=UTC0
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
@@ -12,36 +10,22 @@ cria("$raiz/1", [...mensagem('A'), 'MAILQ OK Msg B para ze']);
 cria("$raiz/2", mensagem('C', 'bia'), 'Thu Oct  1', '2026');
 $m1 = parser("$raiz/1");
 $m2 = parser("$raiz/2");
-var_dump($m1->consolidate("$raiz/1/ultima"), $m2->consolidate("$raiz/2/ultima"));
+diz($m1->consolidate("$raiz/1/ultima"), $m2->consolidate("$raiz/2/ultima"));
 foreach ([1, 2] as $n) {
-    print_r(arquivos("$raiz/$n"));
+    diz(...arquivos("$raiz/$n"));
     echo trim(file_get_contents("$raiz/$n/ultima")), "\n";
 }
 echo file_get_contents("$raiz/1/dat/rels_03-09/compact_mail_15.txt");
 echo implode(array_slice(file("$raiz/2/dat/rels_10-26/mail_stat_01.txt"), 0, 5));
-var_dump($m1->consolidate("$raiz/nao/ha"), $m1->consolidate("a\0b"));
-?>
---CLEAN--
-<?php
-require __DIR__ . '/../inc/arvore.inc';
-limpa(arvore(__FILE__));
+diz($m1->consolidate("$raiz/nao/ha"), $m1->consolidate("a\0b"));
 ?>
 --EXPECTF--
-bool(false)
-bool(false)
-Array
-(
-    [0] => rels_03-09/compact_mail_15.txt
-    [1] => rels_03-09/mail_stat_15.txt
-)
+false false
+'rels_03-09/compact_mail_15.txt' 'rels_03-09/mail_stat_15.txt'
 1 Sun Mar 15 00:00:00 2009
 
 B 0 N N N N 0 0 (null)
-Array
-(
-    [0] => rels_10-26/compact_mail_01.txt
-    [1] => rels_10-26/mail_stat_01.txt
-)
+'rels_10-26/compact_mail_01.txt' 'rels_10-26/mail_stat_01.txt'
 1 Thu Oct  1 00:00:00 2026
 49bc4500 1 1 A INTERNO ana 100
 49bc453c 2 7 A
@@ -54,5 +38,4 @@ rui@fora.test 0 0 1 100 0 0 0 0
 bia 1 100 0 0 0 0 0 0
 [1790816400]
 %s/vt_consolida/nao/ha: No such file or directory
-bool(false)
-bool(false)
+false false

@@ -2,8 +2,6 @@
 The lock: another process holds it until it ends, the own process gets it again and keeps it
 --CONFLICTS--
 lock
---ENV--
-TZ=UTC0
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
@@ -38,11 +36,6 @@ echo 'held by us: ', count(arquivos($raiz)), " files\n";
 fclose($canos[0]);
 proc_close($outro);
 printf("mode %o\n", fileperms('/tmp/vtmrel.lck') & 0777);
-?>
---CLEAN--
-<?php
-require __DIR__ . '/../inc/arvore.inc';
-limpa(arvore(__FILE__));
 ?>
 --EXPECT--
 other: done

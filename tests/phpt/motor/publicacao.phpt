@@ -1,13 +1,10 @@
 --TEST--
 Script code that runs in the middle of a publish
---ENV--
-TZ=UTC0
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
 error_reporting(E_ALL);
 $raiz = arvore(__FILE__);
-limpa($raiz);
 dia($raiz, "1 2 1 2 3 4 5 6 7 8\n", ['9:00:00 1 1 A INTERNO ana 1', '9:00:00 1 1 B INTERNO bia 2']);
 $m = parser($raiz);
 
@@ -91,11 +88,6 @@ $i->__construct();
 echo $i->recv, $i->msg_id, "\n";
 $i->__construct();
 echo $i->msg_id, ' ', $i->fetch(), $i->msg_id, "\n";
-?>
---CLEAN--
-<?php
-require __DIR__ . '/../inc/arvore.inc';
-limpa(arvore(__FILE__));
 ?>
 --EXPECT--
 outside: inside: 1 B bia

@@ -1,12 +1,9 @@
 --TEST--
 Cycles, hundreds of objects, fork, and a memory limit in mid-walk
---ENV--
-TZ=UTC0
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
 $raiz = arvore(__FILE__);
-limpa($raiz);
 dia($raiz, "1 2 1 2 3 4 5 6 7 8\n", array_map(fn($n) => "9:00:00 1 1 M$n INTERNO " . str_repeat('a', 300) . "$n 1", range(1, 2000)));
 $m = parser($raiz);
 $fim = DIA + 86399;
@@ -72,11 +69,6 @@ foreach (['memory_limit' => ['$x[$n++] = $i->msg_sendername;', 30], 'max_executi
     echo "$limite: ", stream_get_contents($canos[1]);
     echo proc_close($p), "\n";
 }
-?>
---CLEAN--
-<?php
-require __DIR__ . '/../inc/arvore.inc';
-limpa(arvore(__FILE__));
 ?>
 --EXPECT--
 collected: all

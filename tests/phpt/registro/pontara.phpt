@@ -24,27 +24,18 @@ foreach ([
     $faz();
     $antes = shell_exec('find ' . escapeshellarg($raiz));
     echo "$caso: ";
-    isolado($raiz, '$m = new vt_mrel(); $path = $m->getPontaraPath(); var_dump($path, $m->getPontaraPath() === $path);');
+    isolado($raiz, '$m = new vt_mrel(); $path = $m->getPontaraPath(); diz($path, $m->getPontaraPath() === $path);');
     if (shell_exec('find ' . escapeshellarg($raiz)) !== $antes) {
         echo "the tree has changed\n";
     }
 }
-limpa($raiz);
 ?>
 --EXPECT--
-no registry: string(0) ""
-bool(true)
-no key: string(0) ""
-bool(true)
-a file instead of the key: string(0) ""
-bool(true)
-no values: string(0) ""
-bool(true)
-another value: string(0) ""
-bool(true)
-path: string(16) "/opt/norim & cia"
-bool(true)
-200 bytes: string(127) "/opt/01234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901"
-bool(true)
-127 bytes: string(127) "/opt/01234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901"
-bool(true)
+no registry: '' true
+no key: '' true
+a file instead of the key: '' true
+no values: '' true
+another value: '' true
+path: '/opt/norim & cia' true
+200 bytes: '/opt/01234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901' true
+127 bytes: '/opt/01234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901234567890123456789012345678901' true

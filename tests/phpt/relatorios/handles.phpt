@@ -2,6 +2,7 @@
 A handle that names no live result set: a warning and 0, whatever happens meanwhile
 --FILE--
 <?php
+require __DIR__ . '/../inc/arvore.inc';
 $m = new vt_mrel();
 $i = new vt_mrel_itr();
 $morto = (new vt_mrel_itr())->getHandle();
@@ -23,8 +24,8 @@ foreach ($falsos as $h) {
     $respostas += 0 === $m->user_msgs('', '', 1, 2, '', 0, 0, $h);
     $respostas += 0 === $m->msg_trace('0', 1, 2, $h);
 }
-var_dump($respostas === 5 * count($falsos), count($avisos), array_count_values($avisos));
-var_dump($morto === $vivo || $m->msg_trace('X', 1, 2, $morto) === 0, $m->msgs_per_hour(1, 2, ' ', $vivo));
+diz($respostas === 5 * count($falsos), count($avisos), array_count_values($avisos));
+diz($morto === $vivo || $m->msg_trace('X', 1, 2, $morto) === 0, $m->msgs_per_hour(1, 2, ' ', $vivo));
 
 // A handler that throws: the exception comes out, nothing was touched.
 set_error_handler(fn($n, $texto) => throw new LogicException('from the handler'));
@@ -63,20 +64,8 @@ $i = new vt_mrel_itr();
 echo $m->user_msgs(new Texto(function () use (&$m) { $m = null; }), ' ', 1, 2, '', 0, 0, $i->getHandle()), $i->fetch(), "\n";
 ?>
 --EXPECTF--
-bool(true)
-int(45)
-array(4) {
-  ["vt_mrel::msgs_per_day(): N is not the handle of a live vt_mrel_itr"]=>
-  int(18)
-  ["vt_mrel::msgs_per_hour(): N is not the handle of a live vt_mrel_itr"]=>
-  int(9)
-  ["vt_mrel::user_msgs(): N is not the handle of a live vt_mrel_itr"]=>
-  int(9)
-  ["vt_mrel::msg_trace(): N is not the handle of a live vt_mrel_itr"]=>
-  int(9)
-}
-bool(true)
-int(1)
+true 45 array (  'vt_mrel::msgs_per_day(): N is not the handle of a live vt_mrel_itr' => 18,  'vt_mrel::msgs_per_hour(): N is not the handle of a live vt_mrel_itr' => 9,  'vt_mrel::user_msgs(): N is not the handle of a live vt_mrel_itr' => 9,  'vt_mrel::msg_trace(): N is not the handle of a live vt_mrel_itr' => 9,)
+true 1
 from the handler 1
 ends it: 
 Warning: vt_mrel::msgs_per_hour(): %i is not the handle of a live vt_mrel_itr in %s on line %d

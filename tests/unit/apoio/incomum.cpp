@@ -39,11 +39,10 @@ void confere_log(const std::string& registros, const std::string& log) {
         Rele r;
         r.bytes_por_leitura = leitura;
         r.arvore.write("last", "1 Sun Mar 15 00:00:00 2009\n" + registros);
-        r.linha("2009-03-15 01:00:00", "MAILQ END Msg 0").bruto(linhas);
-        EXPECT_TRUE(r.consolida("2009-03-18 00:00:01"));
+        r.linha("15 01", "MAILQ END Msg 0").bruto(linhas);
+        EXPECT_TRUE(r.consolida("18 00:00:01"));
         std::string tudo = r.ultimo();
-        for (const char* dia : {"2009-03-15", "2009-03-16", "2009-03-17"})
-            tudo += r.compacto(dia) + r.estatistica(dia);
+        for (const char* dia : {"15", "16", "17"}) tudo += r.compacto(dia) + r.estatistica(dia);
         return tudo;
     };
     const std::string quer = consolida(log, LeitorLinhas::bloco);
@@ -55,12 +54,12 @@ void confere_dias(const std::string (&compactos)[2], const std::string (&estatis
     Relato usual, lista, incomum;
     for (Relato* r : {&usual, &lista, &incomum})
         for (int i = 0; i < 2; ++i) {
-            const std::string dia = std::to_string(15 + i) + ".txt";
-            r->arvore.write("DAT/rels_03-09/compact_mail_" + dia,
+            const std::string dia = std::to_string(15 + i);
+            r->arvore.write(arquivo_do_dia(dia, diario::compacto),
                             r == &incomum ? compacto_incomum(compactos[i]) : compactos[i]);
-            r->arvore.write("DAT/rels_03-09/mail_stat_" + dia, estatisticas[i]);
+            r->estatistica(dia, estatisticas[i]);
         }
-    const long de = hora("2009-03-15 00:00:00"), ate = hora("2009-03-16 10:30:00");
+    const long de = hora("15"), ate = hora("16 10:30");
     // The second time, from within the first day on, with what the first one remembers.
     for (const long antes : {0L, 10 * 3600L}) {
         const std::string quer = tudo(usual.p, de + antes, ate);

@@ -1,26 +1,28 @@
-// A disk that is full, for as long as the object lives: no file grows beyond a few bytes.
+// A limit of the process for as long as the object lives: a disk that is full (RLIMIT_FSIZE, bytes
+// a file), no more descriptors (RLIMIT_NOFILE).
 #pragma once
 
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
 
-class DiscoCheio {
+class Limite {
   public:
-    explicit DiscoCheio(rlim_t bytes) : sinal_(signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &antes_), 0);
-        rlimit menor = antes_;
-        menor.rlim_cur = bytes;
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &menor), 0);
+    Limite(decltype(RLIMIT_FSIZE) de_que, rlim_t quanto)
+        : de_que_(de_que), sinal_(signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(getrlimit(de_que, &antes_), 0);
+        const rlimit menor{quanto, antes_.rlim_max};
+        EXPECT_EQ(setrlimit(de_que, &menor), 0);
     }
-    DiscoCheio(const DiscoCheio&) = delete;
-    DiscoCheio& operator=(const DiscoCheio&) = delete;
-    ~DiscoCheio() {
-        setrlimit(RLIMIT_FSIZE, &antes_);
+    Limite(const Limite&) = delete;
+    Limite& operator=(const Limite&) = delete;
+    ~Limite() {
+        setrlimit(de_que_, &antes_);
         signal(SIGXFSZ, sinal_);
     }
 
   private:
+    decltype(RLIMIT_FSIZE) de_que_;
     rlimit antes_;
     void (*sinal_)(int);
 };

@@ -6,11 +6,6 @@
 
 namespace {
 
-std::string nome(const std::string& dia, const char* prefixo) {
-    return "DAT/rels_" + dia.substr(5, 2) + "-" + dia.substr(2, 2) + "/" + prefixo +
-           dia.substr(8, 2) + ".txt";
-}
-
 std::string instante(time_t t) {
     if (t == 0) return "-";
     struct tm tm;
@@ -115,12 +110,12 @@ Relato& Relato::compacto(const std::string& dia, const std::string& linhas) {
         if (resto.size() == 2) resto = " 1 1" + resto + " INTERNO a 1";
         s += (l[0] == '@' ? l.substr(1) : T(dia + " " + hora) + resto) + "\n";
     }
-    arvore.write(nome(dia, diario::compacto), s);
+    arvore.write(arquivo_do_dia(dia, diario::compacto), s);
     return *this;
 }
 
 Relato& Relato::estatistica(const std::string& dia, const std::string& texto) {
-    arvore.write(nome(dia, diario::estatistica), texto);
+    arvore.write(arquivo_do_dia(dia, diario::estatistica), texto);
     return *this;
 }
 
@@ -159,10 +154,9 @@ std::string Relato::horas_de(const char* quem, const std::string& de, const std:
     return texto_horas(r.msgs_hour);
 }
 
-std::string Relato::mensagens(const char* para, const char* de_quem, const char* id, int min,
-                              int max, const std::string& de, const std::string& ate) {
+std::string Relato::mensagens(const Filtro& f, const std::string& de, const std::string& ate) {
     LogResult r;
-    p.get_user_msgs(para, de_quem, id, min, max, hora(de), hora(ate), &r.user_msgs);
+    p.get_user_msgs(f.para, f.de, f.id, f.min_kb, f.max_kb, hora(de), hora(ate), &r.user_msgs);
     return texto(r.user_msgs);
 }
 

@@ -8,8 +8,7 @@
 #include "common/logresult.h"
 #include "tests/unit/apoio/rele.h"
 
-// A tree of day files and a parser set to it. Days are written "2009-03-15", times
-// "2009-03-15 10:00:00"; all are local.
+// A tree of day files and a parser set to it. Days and times are written as those of rele.h.
 class Relato {
   public:
     explicit Relato(const char* tz = "UTC0");
@@ -25,16 +24,23 @@ class Relato {
     // What was traced since the last call; the tree's path is written "@".
     std::string traco();
 
-    // Each report's rows over a result set of its own, as text.
-    std::string dias(const std::string& de, const std::string& ate);
-    std::string dias_de(const std::vector<std::string>& quem, const std::string& de,
-                        const std::string& ate);
-    std::string horas(const std::string& de, const std::string& ate);
-    std::string horas_de(const char* quem, const std::string& de, const std::string& ate);
-    std::string mensagens(const char* para, const char* de_quem, const char* id, int min, int max,
-                          const std::string& de, const std::string& ate);
-    std::string trace(const char* id, const std::string& de, const std::string& ate);
+    // Each report's rows over a result set of its own, as text. Where no range is given it is the
+    // 15th.
+    std::string dias(const std::string& de = "15", const std::string& ate = fim);
+    std::string dias_de(const std::vector<std::string>& quem, const std::string& de = "15",
+                        const std::string& ate = fim);
+    std::string horas(const std::string& de = "15", const std::string& ate = fim);
+    std::string horas_de(const char* quem, const std::string& de = "15",
+                         const std::string& ate = fim);
+    struct Filtro {
+        const char *para = nullptr, *de = nullptr, *id = nullptr;
+        int min_kb = 0, max_kb = 0;
+    };
+    std::string mensagens(const Filtro& f, const std::string& de = "15",
+                          const std::string& ate = fim);
+    std::string trace(const char* id, const std::string& de = "15", const std::string& ate = fim);
 
+    static constexpr char fim[] = "15 23:59:59";
     ArvoreTemporaria arvore;
     LogMailFileParser p;
 

@@ -11,6 +11,12 @@ time_t le_relogio(time_t*) {
     return relogio;
 }
 
+struct tm separada(const std::string& quando) {
+    struct tm tm = {};
+    if (!strptime(por_extenso(quando).c_str(), "%Y-%m-%d %H:%M:%S", &tm)) std::abort();
+    return tm;
+}
+
 }  // namespace
 
 Zona::Zona(const char* tz) : antes_(getenv("TZ") ? getenv("TZ") : "") {
@@ -26,9 +32,13 @@ Zona::~Zona() {
     tzset();
 }
 
+std::string por_extenso(const std::string& quando) {
+    const std::string q = (quando.find('-') == 4 ? "" : "2009-03-") + quando;
+    return q + std::string("0000-00-00 00:00:00").substr(std::min<std::size_t>(q.size(), 19));
+}
+
 time_t hora(const std::string& quando) {
-    struct tm tm = {};
-    if (!strptime(quando.c_str(), "%Y-%m-%d %H:%M:%S", &tm)) std::abort();
+    struct tm tm = separada(quando);
     tm.tm_isdst = -1;
     return mktime(&tm);
 }
@@ -51,8 +61,7 @@ Rele& Rele::bruto(const std::string& bytes) {
 
 Rele& Rele::linha(const std::string& quando, const std::string& palavras) {
     // The stamp as written, also where a zone skips that hour.
-    struct tm tm = {};
-    if (!strptime(quando.c_str(), "%Y-%m-%d %H:%M:%S", &tm)) std::abort();
+    const struct tm tm = separada(quando);
     char stamp[40];
     std::strftime(stamp, sizeof stamp, "%a %b %e %H:%M:%S %Y", &tm);
     return bruto(std::string(stamp) + ": 07 " + palavras + "\n");
@@ -64,6 +73,12 @@ Rele& Rele::mensagem(const std::string& quando, const std::string& id, const std
         .linha(quando, "MAILSMTP DELIVER Msg " + id + " tentativa 1")
         .linha(quando, "MAILSMTP OK Msg " + id + " para rui@fora.test")
         .linha(quando, "MAILSMTP END Msg " + id);
+}
+
+Rele& Rele::mensagens(std::initializer_list<const char*> todas) {
+    for (const std::string m : todas)
+        mensagem(m.substr(0, m.rfind(' ')), m.substr(m.rfind(' ') + 1));
+    return *this;
 }
 
 void Rele::rotaciona(const std::string& nome) {
@@ -86,16 +101,17 @@ bool Rele::consolida(LogMailFileParser& p, const std::string& agora) {
     return p.consolidate(arvore.path("last").c_str());
 }
 
-std::string Rele::arquivo(const std::string& dia, const char* prefixo) const {
-    return arvore.read("DAT/rels_" + dia.substr(5, 2) + "-" + dia.substr(2, 2) + "/" + prefixo +
-                       dia.substr(8, 2) + ".txt");
+std::string arquivo_do_dia(const std::string& dia, const char* prefixo) {
+    const std::string d = por_extenso(dia);
+    return "DAT/rels_" + d.substr(5, 2) + "-" + d.substr(2, 2) + "/" + prefixo + d.substr(8, 2) +
+           ".txt";
 }
 
 std::string Rele::compacto(const std::string& dia) const {
-    return arquivo(dia, "compact_mail_");
+    return arvore.read(arquivo_do_dia(dia, diario::compacto));
 }
 std::string Rele::estatistica(const std::string& dia) const {
-    return arquivo(dia, "mail_stat_");
+    return arvore.read(arquivo_do_dia(dia, diario::estatistica));
 }
 
 std::string Rele::totais(const std::string& dia) const {

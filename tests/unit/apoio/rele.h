@@ -1,7 +1,11 @@
 // A small mail relay for tests: writes dispatcher logs, consolidates them, reads the day files.
+//
+// Times are local and written "2018-03-15 10:20:30". What is left out behind is 0, and in front it
+// is March 2009: "15 10" is ten o'clock of that 15th, "15" its midnight, or the day.
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 #include "common/LogMailFileParser.h"
@@ -17,10 +21,14 @@ class Zona {
     std::string antes_;
 };
 
-// Unix seconds of "2009-03-15 10:00:00", local time.
+// A time in full; its Unix seconds.
+std::string por_extenso(const std::string& quando);
 time_t hora(const std::string& quando);
 // The same in hexadecimal, as compact lines begin.
 std::string T(const std::string& quando);
+
+// The path of a day file below a tree.
+std::string arquivo_do_dia(const std::string& dia, const char* prefixo);
 
 class Rele {
   public:
@@ -32,6 +40,8 @@ class Rele {
     Rele& linha(const std::string& quando, const std::string& palavras);
     // A local user's message from its submission to its end, delivered outside.
     Rele& mensagem(const std::string& quando, const std::string& id, const std::string& de = "ana");
+    // Several messages, "time id" each.
+    Rele& mensagens(std::initializer_list<const char*> todas);
     // Adds raw bytes to the live log.
     Rele& bruto(const std::string& bytes);
     // Gives the live log another name and starts a new one.
@@ -42,7 +52,7 @@ class Rele {
     // As above with a parser of the caller's.
     bool consolida(LogMailFileParser& p, const std::string& agora);
 
-    // The day files of a day "2009-03-15" and the last-consolidation file.
+    // The day files of a day and the last-consolidation file.
     std::string compacto(const std::string& dia) const;
     std::string estatistica(const std::string& dia) const;
     // First line of a statistics file without its two times: "spam virus error att int bytes ...".
@@ -57,7 +67,6 @@ class Rele {
     std::size_t bytes_por_leitura = LeitorLinhas::bloco;
 
   private:
-    std::string arquivo(const std::string& dia, const char* prefixo) const;
     Zona zona_;
 };
 
