@@ -11,7 +11,8 @@ packages_of() {
         say "building the Debian packages in $1"
         as_root rm -rf "$here/pacotes-build-$1/root/vt_mrel"
         as_root git clone -q --no-hardlinks "$root" "$here/pacotes-build-$1/root/vt_mrel"
-        inside "$here/pacotes-build-$1" 'cd /root/vt_mrel && ./dev deb' >"$here/pacotes-build-$1.log" 2>&1 ||
+        inside "$here/pacotes-build-$1" 'cd /root/vt_mrel && ./dev deb &&
+            lintian --allow-root --fail-on error,warning out/deb/*.changes' >"$here/pacotes-build-$1.log" 2>&1 ||
             { tail "$here/pacotes-build-$1.log"; die "the packages do not build in $1"; }
         cp "$here/pacotes-build-$1"/root/vt_mrel/out/deb/*.deb "$trial/new/"
     fi

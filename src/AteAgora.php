@@ -141,8 +141,9 @@ final class AteAgora
         $alvo = realpath($alvo) ?: $alvo;
         $pasta = dirname($alvo);
         is_dir($pasta) || @mkdir($pasta, 0755) || throw NaoConsolidado::semEscrita($pasta);
-        // Never renamed to another file system: that would be a copy, which can be met half done.
-        if (!is_writable($pasta) || stat($pasta)['dev'] !== stat($novo)['dev']) {
+        // Never renamed to another file system: that would be a copy, which can be met half done. Directories are
+        // compared, since on an overlay a file may have another device than the directory that it is in.
+        if (!is_writable($pasta) || stat($pasta)['dev'] !== stat(dirname($novo))['dev']) {
             throw NaoConsolidado::semTroca($pasta);
         }
         if (file_exists($alvo)) {
