@@ -29,6 +29,7 @@ if test "$PHP_VT_MREL" != "no"; then
     common/LogMailFileParser_leitura.cpp
     common/LogMailFileParser_linha.cpp
     common/LogMailFileParser_periodos.cpp
+    common/LogMailFileParser_portas.cpp
     common/LogMailFileParser_replay.cpp
     common/LogMailFileParser_retomada.cpp
     common/LogMailFileParser_trace.cpp

@@ -18,7 +18,12 @@ pthread_mutex_t __velto_str_lock = PTHREAD_MUTEX_INITIALIZER;
 namespace {
 
 // Bytes that an allocation has beyond its characters, and bytes that the capacity test leaves
-// unused.
+// unused:
+//
+//     size   len   refcount   factor   text and NUL   spare
+//     |------------- 16 ------------|---- n + 1 ----|-- 7 --|
+//
+// So a record made for n characters takes n + 24 bytes, and n + 4 characters fit into it.
 constexpr int folga = 24;
 constexpr int reservado = 20;
 static_assert(offsetof(VeltoStringData, c_data) + 1 <= reservado);
@@ -246,7 +251,8 @@ void VeltoString::realInsert(const char* s, int pos, int n) {
         if (n > 0) loadPChar(s, n);
         return;
     }
-    // A piece of this very text would move with it, so it is copied first.
+    // A piece of this very text would move with it, so it is copied first; also before Unique(),
+    // which may let go of the record that holds the piece.
     const VeltoString pedaco = contem(s) && n > 0 ? VeltoString(s, n) : VeltoString();
     if (pedaco.data) s = pedaco.c_str();
     Unique();
@@ -335,6 +341,7 @@ void VeltoString::Unique() {
 void VeltoString::auxRealloc(std::int64_t needed) {
     const std::int64_t exato = needed + folga;
     std::int64_t bytes = 0;
+    // A factor of 10 doubles the record.
     if (data->factor != 0) bytes = (data->factor + std::int64_t{10}) * ((data->size + 9) / 10);
     if (bytes < exato || bytes > INT_MAX) bytes = exato;
     void* p = bytes > 0 && bytes <= INT_MAX ? std::realloc(data, static_cast<std::size_t>(bytes))

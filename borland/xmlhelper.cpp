@@ -42,6 +42,26 @@ struct TextoCrescente : VeltoString {
     }
 };
 
+// From one state to the next, for `</name a = "b" c />`:
+//
+//     None --<--> InTag --blank--> InParam --blank--> InEqual --=--> InValue --blank--> InParam ...
+//                   |  '/' first: a closing tag  |--------=----------->|
+//                   '/'                         '/'                   '/' outside of quotes
+//                   +----------------------------+---------------------+--> InClose --'>'--> done
+//
+// '>' ends a tag in all of them but the first. Whatever else stands in a place is taken for a part
+// of the name or value there, so damaged files are read as far as they go.
+// What each state waits for, and what it does with the characters that mean something:
+//
+//     state     waits for              blank      '='        '/' or '>'
+//     None      '<', nothing else
+//     InTag     the tag's name         InParam    a part     ends; a first '/' is a closing tag's
+//     InParam   an attribute's name    InEqual    InValue    ends
+//     InEqual   its '='                skipped    InValue    ends
+//     InValue   its value              InParam    a part     ends; in quotes all three are parts
+//     InClose   the '>' behind a '/'
+//
+// In InEqual anything else begins the next attribute. '>' ends a tag at once, '/' by InClose.
 class LeitorTag {
   public:
     LeitorTag(const VeltoString& text, int& pos, VtXmlTag* tag)

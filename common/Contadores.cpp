@@ -52,6 +52,12 @@ std::uint32_t* zeros() {
     return const_cast<std::uint32_t*>(vazio.valores);
 }
 
+// What becomes of a user's array:
+//
+//     zeros  --first number-->  shared, with one number  --another-->  his own
+//
+// He who is alone with a shared one takes it over as it is. It must leave `recentes` then: the next
+// user with the same first number would get what this one counts later.
 std::uint32_t* soma(std::uint32_t* a, std::uint32_t periodo, std::uint32_t n, bool& proprio) {
     if (n == 0) return a;
     if (a == zeros()) {

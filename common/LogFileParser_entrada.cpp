@@ -128,7 +128,7 @@ bool LogFileParser::abre_entrada() {
         recurso_em_falta(errno);
         return recusa("Erro abrindo arquivo de entrada!\n");
     }
-    leitor_.abre(fileno(osBuf.fin), bytes_por_leitura);
+    leitor_.comeca(fileno(osBuf.fin), bytes_por_leitura);
     if (le_linha()) return true;
     fecha_entrada();
     traco("Arquivo de entrada vazio\n");
@@ -165,6 +165,7 @@ bool LogFileParser::readInputFiles() {
             }
             if (!abre_entrada()) continue;
         }
+        // Once a day: a log that is rotated goes on in the next one.
         if (!hasPositioned && !posiciona()) continue;
         hasPositioned = true;
         activity_today = false;

@@ -17,9 +17,10 @@
 class Corrida;
 class Relatos;
 
-// One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos), the periods
-// of a day and its files (_periodos), the statistics file (_estatistica), what is carried over
-// (_retomada); then the reports. Refusals are traced to debugOut and end in CR LF.
+// One file a stage: life and domains (.cpp), the line (_linha), its events (_eventos; their public
+// handlers: _portas), the periods of a day and its files (_periodos), the statistics file
+// (_estatistica), what is carried over (_retomada); then the reports. Refusals are traced to
+// debugOut and end in CR LF.
 class LogMailFileParser : public LogFileParser {
   public:
     // The day's compact file; null when it could not be created. Each line is handed to the stream

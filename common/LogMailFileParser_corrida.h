@@ -25,16 +25,16 @@ class Corrida {
     Corrida(const Corrida&) = delete;
     Corrida& operator=(const Corrida&) = delete;
 
-    // The line (_linha.cpp): takes the next ones apart; does the one in osBuf.lbuf.
+    // The line (_linha.cpp): takes the next ones apart; handles the one in osBuf.lbuf.
     void antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n);
-    void linha();
+    void trata_linha();
 
     // The time of an event, and that as field 0 of its compact line.
     struct Hora {
         time_t t;
         std::string_view hexa;
     };
-    // For the line in osBuf.lbuf; `T` is its field 0.
+    // For the line in osBuf.lbuf; `T` is its field 0 (_portas.cpp).
     Hora hora(const char* T);
 
     // The events (_eventos.cpp): what the parser's public handlers do, over the words of the line,
@@ -78,7 +78,7 @@ class Corrida {
 
     LogMailFileParser& p_;
     const bool dona_;
-    Hora hora_{};  // of the line done last, its text in hexa_
+    Hora hora_{};  // of the line handled last, its text in hexa_
     char hexa_[compacta::maior_hora] = {};
     std::unique_ptr<Evento[]> lote_;                 // the lines taken apart by antecipa()
     std::unique_ptr<TextoPartilhado[]> remetentes_;  // the senders last seen, by hash

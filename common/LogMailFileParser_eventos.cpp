@@ -1,24 +1,8 @@
-// The events of the log: what each writes into the compact file, counts and remembers. The public
-// handlers measure and hash the texts that they are given; for lines of the log that has been done
-// already.
+// The events of the log: what each writes into the compact file, counts and remembers.
 #include <algorithm>
 
 #include "common/LogMailFileParser_corrida.h"
 #include "misc/numero.h"
-
-namespace {
-
-using Texto = std::string_view;
-
-Texto texto(const char* t) {
-    return t ? Texto(t) : Texto();
-}
-
-Chave chave(const char* t) {
-    return t ? Chave(t) : Chave();
-}
-
-}  // namespace
 
 // What an error event does beyond its compact line.
 struct Corrida::RegraErro {
@@ -36,10 +20,6 @@ struct Corrida::RegraErro {
     ErrorType pendente = etFINAL;  // the pending error that it records; etFINAL: none
     unsigned faz = 0;
 };
-
-Corrida::Hora Corrida::hora(const char* T) {
-    return {p_.convTimeFromLog(p_.osBuf.lbuf), texto(T)};
-}
 
 // Refuses the event when a text is missing; else writes its compact line. False when refused.
 bool Corrida::registra(const char* metodo, Agent agente, Status status, Hora h,
@@ -156,7 +136,7 @@ int Corrida::smtp_ok(Hora h, const Chave& id, const Chave& destinatario) {
     if (m) {
         const std::size_t arroba = Texto(destinatario).find('@');
         if (arroba != Texto::npos) p_.remover_error(m, destinatario.texto + arroba + 1);
-        p_.remover_error(m, nullptr);
+        p_.remover_error(m, nullptr);  // settles one more DATA error, and nothing else
     } else {
         m = msg_ou_nova(id);
     }
@@ -259,76 +239,4 @@ void LogMailFileParser::remover_error(Msg* m, const char* texto) {
     if (!m || !m->error_list.first()) return;
     for (ErrorType tipo : {etSENDER, etHELO, etCONNECT, etDOMAIN}) m->remove_error(tipo, texto);
     m->remove_error(etDATA, "");
-}
-
-// --- The public handlers.
-
-int LogMailFileParser::handle_MAILQ_SUBMIT(const char* T, const char* id, const char* tipo,
-                                           const char* remetente, const char* tamanho) {
-    Corrida& c = corrida();
-    return c.mailq_submit(c.hora(T), chave(id), texto(tipo), chave(remetente), texto(tamanho));
-}
-int LogMailFileParser::handle_MAILQ_OK(const char* T, const char* id, const char* destinatario) {
-    Corrida& c = corrida();
-    return c.mailq_ok(c.hora(T), chave(id), chave(destinatario));
-}
-int LogMailFileParser::handle_MAILQ_END(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.mailq_end(c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_MAILSMTP_DELIVER(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.deliver(c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_MAILSMTP_OK(const char* T, const char* id, const char* destinatario) {
-    Corrida& c = corrida();
-    return c.smtp_ok(c.hora(T), chave(id), chave(destinatario));
-}
-int LogMailFileParser::handle_MAILSMTP_END(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.smtp_end(c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_CONNECT(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_CONNECT, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_SENDER(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_SENDER, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_DEST(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_DEST, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_FINAL(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_FINAL, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_DATA(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_DATA, c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_HELO(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_HELO, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_SIZE(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_SIZE, c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_MAILSMTP_ERROR_DOMAIN(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(ERROR_DOMAIN, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_MAILSMTP_RETRY_DEST(const char* T, const char* id, const char* t) {
-    Corrida& c = corrida();
-    return c.erro(RETRY_DEST, c.hora(T), chave(id), texto(t));
-}
-int LogMailFileParser::handle_SPAM(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.spam(c.hora(T), chave(id));
-}
-int LogMailFileParser::handle_ANTIVIRUS_VIRUS(const char* T, const char* id) {
-    Corrida& c = corrida();
-    return c.virus(c.hora(T), chave(id));
 }

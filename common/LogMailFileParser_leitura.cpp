@@ -144,7 +144,7 @@ bool Relatos::le_estatisticas(diario::Dias dias, DList<MsgsData>* m_day,
             p_.traco("LogMailFileParser::parse_consolid_files : Erro ao abrir %s\r\n", dias.path());
             continue;
         }
-        leitura.leitor.abre(fileno(f.get()), bloco);
+        leitura.leitor.comeca(fileno(f.get()), bloco);
         if (msgs_day_user)
             leitura.por_usuario(dias.dia(), msgs_day_user);
         else if (m_hour)

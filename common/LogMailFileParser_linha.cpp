@@ -122,8 +122,8 @@ void Corrida::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
         Evento& e = lote_[i];
         e.separa(linhas[i].inicio, linhas[i].tamanho);
-        if (e.id().texto) p_.Lista_msg.antecipa(e.id().hash);
-        if (e.usuario()) p_.Lista_usu.antecipa(e.endereco().hash);
+        if (e.id().texto) p_.Lista_msg.busca(e.id().hash);
+        if (e.usuario()) p_.Lista_usu.busca(e.endereco().hash);
     }
     // Users only: most messages of these lines were used a moment ago, so that fetching them would
     // cost more than it saves.
@@ -136,7 +136,7 @@ void Corrida::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t n) {
     for (std::size_t i = 0; i < num_usuarios; ++i) usuarios[i]->busca(p_.last_period);
 }
 
-void Corrida::linha() {
+void Corrida::trata_linha() {
     const int i = lote_ ? p_.posicao_no_lote() : -1;
     if (i >= 0) {
         despacha(lote_[static_cast<std::size_t>(i)]);
@@ -167,6 +167,6 @@ void LogMailFileParser::antecipa(const LeitorLinhas::Trecho* linhas, std::size_t
 }
 
 int LogMailFileParser::parser() {
-    corrida().linha();
+    corrida().trata_linha();
     return 1;
 }

@@ -45,7 +45,7 @@ class Trabalhos {
     void esquece() noexcept;
 
     // A hint, for an id that will be looked up soon, by the hash of its key.
-    void antecipa(std::uint32_t hash) const { indice_.antecipa(hash); }
+    void busca(std::uint32_t hash) const { indice_.busca(hash); }
 
   private:
     void define_remetente(Trabalho* t, const char* nome);

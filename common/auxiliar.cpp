@@ -71,7 +71,7 @@ char minuscula(char c) {
 }  // namespace
 
 int getTokens(char* line, char** tokens, int max) {
-    int n = -1;
+    int n = -1;  // the word at `line` itself is not stored
     const std::size_t fim =
         percorre_palavras(line, std::strlen(line), max, [&](std::size_t inicio, std::size_t fim) {
             line[fim] = '\0';
@@ -116,7 +116,7 @@ time_t strhex_to_time(const char* s) {
 Agent getAgent(const char* word) {
     if (!word) return AGENT_UNKNOWN;
     switch (word[0]) {
-        case 'M':
+        case 'M':  // MAILQ and MAILSMTP differ in the fifth letter
             if (!word[1] || !word[2] || !word[3]) return AGENT_UNKNOWN;
             return word[4] == 'Q' ? MAILQ : word[4] == 'S' ? MAILSMTP : AGENT_UNKNOWN;
         case 'P':

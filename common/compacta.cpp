@@ -48,6 +48,8 @@ Agulha::Agulha(const char* texto) : texto_(texto), tamanho_(std::strlen(texto)) 
     std::memset(reinterpret_cast<char*>(&mascara_) + falta, 0xFF, n);
 }
 
+// The first eight bytes agree: now the whole field, and nothing but it. NUL ends it too, since a
+// line with one is read as C text elsewhere.
 bool Agulha::toda(const char* campo, const char* fim) const {
     if (fim - campo <= static_cast<std::ptrdiff_t>(tamanho_)) return false;
     const char depois = campo[tamanho_];
@@ -78,6 +80,9 @@ inline bool Crivo::importa(Linha& l, LeitorDeCabecas& cabecas) const {
     return !pendentes_.empty() && nomeia(id, fim) && l.status == OK;
 }
 
+// Goes from line end to line end, a piece of text at a time. A piece may end within a line; the
+// next piece then begins with that line again. Where a piece shows no line end, the text is over,
+// or its line longer than any that is read in one: both are left to the reader.
 std::size_t Crivo::sobra(const char* p, std::size_t n, std::size_t maior_linha) {
     std::size_t inicio = 0;  // of the line whose end is looked for
     LeitorDeCabecas cabecas;
@@ -115,11 +120,13 @@ const Lote* LeitorCompacto::le_lote(std::size_t maior, const Statuses& serve) {
         l.tamanho = trechos[i].tamanho;
         l.usual = cabecas_.le(l);
         if (!l.usual) break;
+        // Noted always and counted if it matters: whether it does is unpredictable.
         primeira = std::min(primeira, l.t);
         ultima = std::max(ultima, l.t);
         lote_.quais_servem[servem] = static_cast<std::uint8_t>(i);
         servem += serve[l.status];
     }
+    // An unusual line ends the batch, and comes alone in the next one.
     lote_.usuais = i != 0;
     lote_.n = std::max<std::size_t>(i, 1);
     lote_.primeira = primeira;
@@ -147,7 +154,7 @@ Campos LeitorCompacto::separa(const Linha& linha, Lugar& lugar) {
     cortes.limita(fim);
     int n = 0;
     lugar.campos[n++] = lugar.texto;
-    // A line with another control than its end may mean something else.
+    // Line feeds, tabs and other controls cut words here, but are letters to reparte().
     const bool brancos = cortes.para_cada([&](std::size_t i) {
         if (n == Lugar::maior) return false;
         lugar.campos[n++] = lugar.texto + i + 1;

@@ -218,7 +218,7 @@ class LeitorCompacto {
     using Statuses = bool[LeitorDeCabecas::num_status];
 
     // Starts reading at the current position of `fd`, which stays the caller's.
-    void abre(int fd) { leitor_.abre(fd); }
+    void comeca(int fd) { leitor_.comeca(fd); }
 
     // The next lines, at most `maior`; null at the end of the file. They hold until the next call.
     // `serve` tells which statuses matter.

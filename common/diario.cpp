@@ -138,7 +138,8 @@ Dias::Dias(const char* dir, const char* prefix, time_t start, time_t end)
     constexpr std::int64_t ano_2000 = 946684800, ano_2100 = 4102444800;
     const std::int64_t fim = std::min<std::int64_t>(end, ano_2100 - 1);
     if (start >= end || start > fim) return;
-    // Unsigned, since the ends of the range may lie anywhere.
+    // Steps before 2000 are passed over, not walked: the range may begin at the least number there
+    // is. Unsigned for the same reason: the difference of its ends may not fit a signed one.
     std::uint64_t passos = 0;
     if (start < ano_2000) {
         const std::uint64_t antes = std::uint64_t{ano_2000} - static_cast<std::uint64_t>(start);
@@ -150,6 +151,8 @@ Dias::Dias(const char* dir, const char* prefix, time_t start, time_t end)
     restam_ = ate / dia_em_segundos - passos + 1;
 }
 
+// The array has (end - start) / 86400 + 2 entries, as getFiles asks of its caller. Of an inverted
+// range the division drops the fraction towards 0: two entries up to a day, one up to two days.
 Dias::Dias(const InputFiles* files, time_t start, time_t end) : files_(files), dia_(start) {
     const std::uint64_t largura =
         static_cast<std::uint64_t>(end) - static_cast<std::uint64_t>(start);

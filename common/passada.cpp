@@ -21,7 +21,7 @@ Passada::Passada(Relatos& destino, const Acoes& acoes, const Trabalhos& trabalho
 }
 
 void Passada::arquivo(int fd) {
-    leitor_.abre(fd);
+    leitor_.comeca(fd);
     horas_.comeca_arquivo();
     if (!iniciada_ && !acha_inicio()) return;
     iniciada_ = usa_crivo_ ? pelo_crivo() : por_lotes();
@@ -91,7 +91,7 @@ bool Passada::trata_estranha(const Linha& l) {
 void Passada::trata_lote(const Lote& lote) {
     for (std::size_t i = 0; i < lote.servem; ++i) {
         campos_[i] = LeitorCompacto::separa(lote.que_serve(i), lugares_[i]);
-        trabalhos_.antecipa(campos_[i].id.hash);
+        trabalhos_.busca(campos_[i].id.hash);
     }
     for (std::size_t i = 0; i < lote.servem; ++i) {
         const Linha& l = lote.que_serve(i);

@@ -16,7 +16,7 @@ constexpr int modo = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 std::mutex guarda;
 int descritor = -1;  // kept open: closing any descriptor of the file would drop the lock
 
-int abre() {
+int abre_trava() {
     // Without O_CREAT first: a sticky /tmp refuses it on a file that another user made.
     int fd = open(arquivo, modo);
     if (fd < 0 && errno == ENOENT) {
@@ -43,7 +43,7 @@ bool ainda_vale() {
 bool testaSeUnico() {
     const std::lock_guard<std::mutex> fechado(guarda);
     if (!ainda_vale()) {
-        const int novo = abre();
+        const int novo = abre_trava();
         if (novo < 0) return false;
         if (descritor >= 0) close(descritor);
         descritor = novo;

@@ -19,7 +19,7 @@ class Arena {
     // `bytes` of memory, aligned for pointers and numbers. Throws std::bad_alloc.
     void* toma(std::size_t bytes) {
         bytes = (bytes + alinhamento_ - 1) / alinhamento_ * alinhamento_;
-        if (bytes > livres_) abre(bytes);
+        if (bytes > livres_) novo_bloco(bytes);
         livres_ -= bytes;
         return fim_ - livres_ - bytes;
     }
@@ -39,7 +39,7 @@ class Arena {
     static constexpr std::size_t menor_bloco_ = std::size_t{64} * 1024;
 
     // Takes a block as large as all before it together, but no larger than a large page needs.
-    void abre(std::size_t bytes) {
+    void novo_bloco(std::size_t bytes) {
         const std::size_t n = std::max(bytes, std::clamp(tomados_, menor_bloco_, Reserva::bloco));
         blocos_.reserve(blocos_.size() + 1);
         blocos_.emplace_back(static_cast<char*>(toma_zerada(n)), Devolve{n});

@@ -9,7 +9,7 @@
 
 #include "misc/ncutils.h"
 
-void LeitorLinhas::abre(int fd, std::size_t leitura) {
+void LeitorLinhas::comeca(int fd, std::size_t leitura) {
     if (!memoria_) memoria_ = std::make_unique_for_overwrite<char[]>(maior_linha + bloco + folga);
     fd_ = fd;
     leitura_ = std::min(leitura, bloco);
@@ -18,6 +18,14 @@ void LeitorLinhas::abre(int fd, std::size_t leitura) {
 }
 
 // Reads once more behind what is left, which moves to the front. False at the end.
+//
+//     | handed out | rest |          |  folga  |
+//     0            inicio_ fim_
+//
+//     | rest | what was just read    |  folga  |
+//     inicio_                        fim_
+//
+// What is left is shorter than the longest line piece, so it always has room.
 bool LeitorLinhas::enche() {
     std::memmove(memoria_.get(), memoria_.get() + inicio_, fim_ - inicio_);
     fim_ -= inicio_;

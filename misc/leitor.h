@@ -16,7 +16,7 @@ class LeitorLinhas {
     static constexpr std::size_t folga = 128;
 
     // Starts reading at the current position of `fd`, which stays the caller's.
-    void abre(int fd, std::size_t leitura = bloco);
+    void comeca(int fd, std::size_t leitura = bloco);
 
     // The next line with its line feed, or its first `limite` bytes: what is longer goes on as the
     // next line. Answers the number of bytes (0: end of file, or the read failed, see erro()).

@@ -11,7 +11,7 @@
 namespace {
 
 // A stream on a descriptor that waits for nothing and goes to no other program.
-Stream abre(const char* path, int modo, const char* modo_do_stream) {
+Stream abre_stream(const char* path, int modo, const char* modo_do_stream) {
     modo |= O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int fd = insiste([=] { return open(path, modo, 0666); });
     if (fd < 0) return nullptr;
@@ -30,7 +30,7 @@ bool isDirectory(const char* path) {
 }
 
 Stream abre_leitura(const char* path) {
-    return abre(path, O_RDONLY, "rb");
+    return abre_stream(path, O_RDONLY, "rb");
 }
 
 Stream abre_regular(const char* path) {
@@ -45,7 +45,7 @@ Stream abre_regular(const char* path) {
 }
 
 std::FILE* abre_escrita(const char* path) {
-    Stream s = abre(path, O_WRONLY | O_CREAT, "wb");
+    Stream s = abre_stream(path, O_WRONLY | O_CREAT, "wb");
     // Emptied last, when nothing else can fail. EINVAL: it has no length.
     if (!s || ftruncate(fileno(s.get()), 0) == 0 || errno == EINVAL) return s.release();
     const GuardaErrno guarda;

@@ -70,15 +70,13 @@ struct Cortes {
 // Copies Cortes::maior bytes, with a NUL in place of each that is a blank or less. All of them must
 // be readable, however long the text is.
 inline Cortes copia_palavras(char* para, const char* de) {
-    const auto metade = [para, de](std::size_t inicio) {
-        return mascara_de_64([&](std::size_t i) {
-            const Vetor texto(de + inicio + i);
-            const Vetor cortes = texto.ate(' ');
-            texto.sem(cortes).guarda(para + inicio + i);
-            return cortes.mascara();
-        });
+    const auto de_16 = [para, de](std::size_t i) {
+        const Vetor texto(de + i);
+        const Vetor cortes = texto.ate(' ');
+        texto.sem(cortes).guarda(para + i);
+        return cortes.mascara();
     };
-    return {{metade(0), metade(64)}};
+    return {{mascara_de_64(de_16), mascara_de_64(de_16, 64)}};
 }
 
 // Walks over the marks of a text of known length.

@@ -7,6 +7,12 @@
 #include <new>
 
 // Stands at the start of its block; blocks are aligned to their size, so a place finds its own.
+//
+//     | Bloco | taken | free | taken | free |       ...        |
+//       livres ---------^----------------^  intocado
+//
+// Free places are a chain through themselves; those behind `intocado` were never touched, so the
+// system has given no memory for them yet.
 struct alignas(64) Reserva::Bloco {
     Bloco *antes, *depois;  // in the list of those with a free place
     Livre* livres;          // places given back
@@ -48,7 +54,7 @@ void devolve_zerada(void* p, std::size_t n) noexcept {
 }
 
 void* Reserva::toma() {
-    Bloco* b = com_lugar_ ? com_lugar_ : abre();
+    Bloco* b = com_lugar_ ? com_lugar_ : novo_bloco();
     void* lugar = b->livres;
     if (lugar) {
         b->livres = b->livres->proximo;
@@ -73,7 +79,7 @@ void Reserva::devolve(void* lugar) noexcept {
     --blocos_;
 }
 
-Reserva::Bloco* Reserva::abre() {
+Reserva::Bloco* Reserva::novo_bloco() {
     char* b = mapeia(bytes_, bytes_, blocos_ != 0 && bytes_ == bloco);
     ++blocos_;
     Bloco* novo = new (b) Bloco{};

@@ -62,7 +62,7 @@ class Reserva {
         Livre* proximo;
     };
 
-    Bloco* abre();
+    Bloco* novo_bloco();
     void tira(Bloco* b);
     void poe(Bloco* b);
 

@@ -107,9 +107,9 @@ class Tabela {
     }
     T* procurar(const char* procurada) const { return procurar(Chave(procurada)); }
 
-    // Hints for lookups that come soon. antecipa() prefetches the place where the search for a hash
+    // Hints for lookups that come soon. busca() prefetches the place where the search for a hash
     // begins; provavel() answers the first element of that hash, or null, without touching it.
-    [[gnu::always_inline]] void antecipa(std::uint32_t hash) const {
+    [[gnu::always_inline]] void busca(std::uint32_t hash) const {
         if (vagas_) __builtin_prefetch(&vagas_[hash & mascara_]);
     }
     T* provavel(std::uint32_t hash) const {

@@ -34,7 +34,7 @@ TEST(Leitor, leComoFgets) {
                 const Stream a = abre_leitura(arvore.path("f").c_str());
                 const Stream b = abre_leitura(arvore.path("f").c_str());
                 LeitorLinhas leitor;
-                leitor.abre(fileno(a.get()), leitura);
+                leitor.comeca(fileno(a.get()), leitura);
                 LeitorLinhas::Trecho linhas[lote];
                 std::vector<char> linha(limite + 1);
                 std::string lido;
@@ -53,7 +53,7 @@ TEST(Leitor, diretorioDaErro) {
     ArvoreTemporaria arvore;
     const Stream d = abre_leitura(arvore.path().c_str());
     LeitorLinhas leitor;
-    leitor.abre(fileno(d.get()));
+    leitor.comeca(fileno(d.get()));
     const char* linha;
     EXPECT_EQ(leitor.proxima(&linha, 100), 0u);
     EXPECT_EQ(leitor.erro(), EISDIR);
