@@ -117,6 +117,8 @@ check_man() {
 # each CHECK ...: runs them all, then tells whether all passed.
 each() {
     deps
+    # shellcheck disable=SC2086
+    need $test_packages
     mkdir -p out
     bad=0
     for c in "$@"; do
@@ -171,6 +173,8 @@ check_cppcheck() {
 arginfo() {
     asked_here arginfo || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     generate_arginfo out/arginfo
     cp out/arginfo/*_arginfo.h php/
 }
@@ -178,6 +182,8 @@ arginfo() {
 format() {
     asked_here format || exit 1
     deps
+    # shellcheck disable=SC2086
+    need $tools
     "clang-format-$llvm" -i $(sources)
 }
 

@@ -50,24 +50,19 @@ phpt() {
     run_phpt phpt "$root/tests/phpt"
 }
 
-# What is written in PHP over the extension, on five days of generated mail. Not with -n: phpunit asks for
-# modules of its own.
-library() {
-    build
-    cmake_build release gera_logs
-    say "PHP library"
-    mail=$root/out/phpunit junit=out/phpunit/junit.xml log=out/phpunit.log
-    rm -rf "$mail"
-    mkdir -p "$mail/dat"
-    TZ=Atlantic/Azores out/release/gera_logs "$mail/logs" 2026-03-26 --dias 5 --mensagens 1500 \
-        --usuarios 30 >"$log"
+# consolidates FOLDER: FOLDER/logs into FOLDER/dat and FOLDER/ponto, by the clock of the Azores.
+consolidates() {
     # shellcheck disable=SC2016
     TZ=Atlantic/Azores "$PHP" -n -d "extension=$extension" -r '$m = new vt_mrel();
-        $m->setLogDir("$argv[1]/logs") && $m->setDataDir("$argv[1]/dat") && $m->consolidate("$argv[1]/ponto");' "$mail"
-    status=0
-    VT_EXTENSAO=$extension VT_DADOS=$mail "$PHP" -d "extension=$extension" "$(command -v phpunit)" \
-        --bootstrap tests/php/carrega.php --do-not-cache-result --fail-on-warning --fail-on-risky \
-        --log-junit "$junit" tests/php >>"$log" 2>&1 || status=$?
+        $m->setLogDir("$argv[1]/logs") && $m->setDataDir("$argv[1]/dat") && $m->consolidate("$argv[1]/ponto");' "$1"
+}
+
+# run_phpunit NAME FOLDER: the tests of a folder, which out/NAME.log tells of. Not with -n: phpunit asks for
+# modules of its own.
+run_phpunit() {
+    junit=out/$1/junit.xml log=out/$1.log status=0
+    "$PHP" -d "extension=$extension" "$(command -v phpunit)" --bootstrap "$2/carrega.php" --do-not-cache-result \
+        --fail-on-warning --fail-on-risky --log-junit "$junit" "$2" >>"$log" 2>&1 || status=$?
     tail -n 40 "$log"
     t=0 f=0 s=0
     if [ -f "$junit" ]; then
@@ -79,11 +74,29 @@ library() {
     add $((t - f - s)) "$f" "$s"
 }
 
+# What is written in PHP over the extension, on five days of generated mail.
+library() {
+    build
+    cmake_build release gera_logs
+    # shellcheck disable=SC2086
+    need $test_packages
+    say "PHP library"
+    mail=$root/out/phpunit
+    rm -rf "$mail"
+    mkdir -p "$mail/dat"
+    TZ=Atlantic/Azores out/release/gera_logs "$mail/logs" 2026-03-26 --dias 5 --mensagens 1500 \
+        --usuarios 30 >out/phpunit.log
+    consolidates "$mail"
+    VT_EXTENSAO=$extension VT_DADOS=$mail run_phpunit phpunit tests/php
+}
+
 # test_all [PART ...]: these parts alone.
 test_all() {
     deps
     mkdir -p out
-    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit faults check static
+    # shellcheck disable=SC2086
+    [ $# -gt 0 ] || need $test_packages $pages_packages $fleet_packages $deb_packages
+    [ $# -gt 0 ] || set -- asan replay tsan phpt phpunit painel frota deb faults check static
     for part in "$@"; do
         case $part in
             asan) unit asan ;;
@@ -91,6 +104,9 @@ test_all() {
             tsan) unit tsan 'VeltoStringThreads.*' ;;
             phpt) phpt ;;
             phpunit) library ;;
+            painel) panel ;;
+            frota) fleet ;;
+            deb) deb_test ;;
             check | static) if "$part"; then add 1; else add 0 1; fi ;;
             *) die "there is no test '$part'" ;;
         esac

@@ -259,6 +259,8 @@ engine_fresh() { bare fresh bookworm; }
 
 engine_trixie() { bare trixie trixie; }
 
+. "$root/engines/pacotes.sh"
+
 # ----------------------------------------------------------------------------------------------
 
 # run_engine NAME: one engine, and a line of its counts for the end.
@@ -272,10 +274,10 @@ run_engine() {
 
 mkdir -p "$here"
 table=
-[ $# -gt 0 ] || set -- plain opcache jit valgrind zts i386 fresh trixie
+[ $# -gt 0 ] || set -- plain opcache jit valgrind zts i386 fresh trixie pacotes
 for engine in "$@"; do
     case $engine in
-        plain | opcache | jit | valgrind | zts | i386 | fresh | trixie) run_engine "$engine" ;;
+        plain | opcache | jit | valgrind | zts | i386 | fresh | trixie | pacotes) run_engine "$engine" ;;
         *) die "there is no engine '$engine'" ;;
     esac
 done

@@ -69,7 +69,6 @@ return [
     'baixar' => ['Baixar a tabela', 'Download the table'],
     'baixar.csv' => ['csv', 'csv'],
     'baixar.excel' => ['para planilha', 'for a spreadsheet'],
-    'errado' => ['Não foi possível entender o que foi pedido', 'What was asked for could not be understood'],
 
     // What is not there.
     'falha.titulo' => ['Sem resposta', 'No answer'],
@@ -131,7 +130,6 @@ return [
     'total' => ['Total', 'Total'],
 
     // User.
-    'usuario.convite' => ['De quem são os números?', 'Whose figures?'],
     'usuario.dias' => ['Por dia', 'By day'],
     'usuario.horas' => ['Por hora, todos os dias juntos', 'By hour, all days together'],
     'usuario.grafias' => ['O log o conhece por {nomes}: aqui estão juntos.', 'The log knows this user as {nomes}: here they are together.'],
@@ -176,6 +174,7 @@ return [
     'resposta.curso.frase' => ['Entregue até agora a {entregues}, recusada por {recusados}; o relay continua tentando.', 'Delivered to {entregues} so far, refused by {recusados}; the relay keeps trying.'],
     'resposta.curso.nada' => ['Nenhum destinatário respondeu até agora; o relay continua tentando.', 'No recipient has answered so far; the relay keeps trying.'],
     'resposta.tenta' => ['Ainda não chegou a todos.', 'It did not arrive everywhere yet.'],
+    'resposta.ainda' => ['Ainda não chegou.', 'It did not arrive yet.'],
     'resposta.tenta.frase' => ['Entregue até agora a {entregues}, recusada por {recusados}; houve erro, e o relay continua tentando.', 'Delivered to {entregues} so far, refused by {recusados}; there was an error, and the relay keeps trying.'],
     'resposta.tenta.nada' => ['Houve erro, e o relay continua tentando.', 'There was an error, and the relay keeps trying.'],
     'resposta.erro' => ['Chegou, mas nem tudo correu bem.', 'It arrived, but not all went well.'],
@@ -187,15 +186,14 @@ return [
     'rastro.destinatarios' => ['Destinatários', 'Recipients'],
     'rastro.mensagem' => ['A mensagem', 'The message'],
     'rastro.texto' => ['O que o relay anotou', 'What the relay noted'],
-    'rastro.imprimir' => ['Imprimir', 'Print'],
     'rastro.desconhecido' => ['desconhecido', 'unknown'],
-    'rastro.outra' => ['Procurar outra', 'Look for another'],
     'passo.submetida' => ['Enviada por {remetente}', 'Sent by {remetente}'],
     'passo.submetida.sem' => ['Enviada sem remetente (uma devolução)', 'Sent without a sender (a bounce)'],
     'passo.entregue' => ['Entregue a {nomes}', 'Delivered to {nomes}'],
     'passo.recusado' => ['Recusada para {nomes}', 'Refused for {nomes}'],
     'passo.virus' => ['Retida: vírus', 'Held back: virus'],
     'passo.encerrada' => ['Saiu da fila', 'Left the queue'],
+    'passo.ate' => ['a {hora}', 'to {hora}'],
     'passo.desistiu' => ['O relay desistiu', 'The relay gave up'],
     'passo.curso' => ['Ainda na fila', 'Still in the queue'],
     'passo.mais' => ['{nomes} e mais {n}', '{nomes} and {n} more'],

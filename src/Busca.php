@@ -59,7 +59,8 @@ final class Busca
     /**
      * @param array<string, string> $arquivos compact files of the period, by day
      * @param array<string, string> $anteriores those of the DIAS_ANTES days before it
-     * @param ?\Closure(string): iterable<string> $blocos reads one of them in blocks of whole lines
+     * @param ?\Closure(string): iterable<string> $blocos reads one of them in blocks of whole lines; null to read
+     *     the newest day, which may be replaced meanwhile, from one opening
      */
     public function __construct(
         private readonly array $arquivos,
@@ -68,7 +69,7 @@ final class Busca
         private readonly Filtro $filtro,
         ?\Closure $blocos = null,
     ) {
-        $this->blocos = $blocos ?? Compacto::blocos(...);
+        $this->blocos = $blocos ?? Compacto::leitor($arquivos ? end($arquivos) : null);
         $this->de = $filtro->usuario ?? $filtro->remetente;
         $this->para = $filtro->usuario ?? $filtro->destinatario;
         $this->id = $filtro->id === null ? null : Texto::latin1($filtro->id) ?? '';

@@ -17,12 +17,30 @@ final class Compacto
     /** @return \Generator<int, string> every line but the last of the file ends in LF */
     public static function blocos(string $arquivo): \Generator
     {
-        $f = fopen($arquivo, 'rb');
+        yield from self::deAberto(fopen($arquivo, 'rb'));
+    }
+
+    /**
+     * Reads as blocos does, but one file always from the same opening: while it is replaced, whoever reads it
+     * more than once sees one state of it.
+     *
+     * @return \Closure(string): \Generator<int, string>
+     */
+    public static function leitor(?string $mutavel): \Closure
+    {
+        $f = $mutavel === null ? null : fopen($mutavel, 'rb');
+        return static fn (string $arquivo): \Generator =>
+            $arquivo === $mutavel ? self::deAberto($f) : self::blocos($arquivo);
+    }
+
+    /** @param resource $f read from its beginning */
+    private static function deAberto($f): \Generator
+    {
+        rewind($f);
         while (($bloco = fread($f, self::BLOCO)) !== '' && $bloco !== false) {
             // fread stops where it likes: the rest of the line that it cut.
             yield str_ends_with($bloco, "\n") ? $bloco : $bloco . fgets($f);
         }
-        fclose($f);
     }
 
     /** Whether the log's word for a kind of user means a local one: I..., SMTPCONNINT. */

@@ -21,25 +21,44 @@ final class Consolidacao
     private readonly array $antes;
     /** @var list<string> paths, in the order of reading */
     private array $logs = [];
+    private string $diretorio;
     private ?NaoConsolidado $obstaculo = null;
 
-    /** @throws DadosInacessiveis when neither the data directory nor the one above it can be used */
+    /**
+     * @param bool $forcada up to this moment, without moving the point
+     * @param bool $ateAgora likewise, and without readers noticing: AteAgora
+     * @param ?\Closure(): string $logs makes the log directory once there is use in it; without it the relay's
+     * @throws DadosInacessiveis when neither the data directory nor the one above it can be used
+     */
     public function __construct(
         private readonly Relay $relay,
         private readonly bool $forcada = false,
-        ?\DateTimeImmutable $agora = null,
+        private readonly bool $ateAgora = false,
+        ?\Closure $logs = null,
     ) {
         Motor::exige();
-        $this->hoje = ($agora ?? new \DateTimeImmutable())->setTimezone($relay->fuso)->format('Y-m-d');
+        $this->hoje = (new \DateTimeImmutable())->setTimezone($relay->fuso)->format('Y-m-d');
         $this->ponto = Ponto::dia($relay->ponto);
         $this->antes = $this->marcas();
+        $this->diretorio = (string) $relay->logs;
         try {
-            $this->logs = (new Logs((string) $relay->logs))->aLer($this->ponto);
+            // The logs come first, as what is wrong with them can be mended at once; but not what costs time.
+            $logs === null && $this->logs = (new Logs($this->diretorio))->aLer($this->ponto);
             $this->obstaculo = $this->procuraObstaculo();
+            if ($logs !== null && $this->obstaculo === null) {
+                $this->diretorio = $logs();
+                $this->logs = (new Logs($this->diretorio))->aLer($this->ponto);
+            }
         } catch (NaoConsolidado $e) {
             $this->obstaculo = $e;
         }
         $this->obstaculo === null && self::esperaOutroSegundo($this->antes);
+    }
+
+    /** Where the logs are that it reads. */
+    public function diretorioDosLogs(): string
+    {
+        return $this->diretorio;
     }
 
     /** Whether there is any use in running it. */
@@ -75,8 +94,9 @@ final class Consolidacao
      *
      * @param ?int $sinal that ended the process which ran it
      * @param string $erros what that process had to say
+     * @param bool $bem whether it ended well all the same
      */
-    public function resultado(?int $sinal = null, string $erros = ''): Consolidado
+    public function resultado(?int $sinal = null, string $erros = '', bool $bem = false): Consolidado
     {
         clearstatcache();
         $depois = $this->marcas();
@@ -86,7 +106,7 @@ final class Consolidacao
             $dias,
             $dias ? Logs::linhas($this->logs, $dias[0], end($dias)) : 0,
             $ponto === null ? null : new \DateTimeImmutable("$ponto 00:00", $this->relay->fuso),
-            $this->obstaculo ?? $this->motivo($dias, $ponto, $sinal, $erros),
+            $this->obstaculo ?? $this->motivo($dias, $ponto, $sinal, $erros, $bem),
         );
     }
 
@@ -95,8 +115,8 @@ final class Consolidacao
         $dono = Trava::dono();
         return match (true) {
             $this->ponto !== null && $this->ponto > $this->hoje => NaoConsolidado::futuro($this->ponto),
-            $this->ponto === $this->hoje && !$this->forcada => NaoConsolidado::emDia($this->hoje),
-            $dono !== null => NaoConsolidado::ocupado($dono),
+            $this->ponto === $this->hoje && !$this->atualiza() => NaoConsolidado::emDia($this->hoje),
+            $dono !== null => NaoConsolidado::ocupado($dono, $this->ateAgora),
             Trava::recusa() => NaoConsolidado::travaAlheia(Trava::ARQUIVO),
             is_dir($this->relay->dados) && !is_writable($this->relay->dados)
                 => NaoConsolidado::semEscrita($this->relay->dados),
@@ -104,14 +124,20 @@ final class Consolidacao
         };
     }
 
+    /** Whether it goes beyond today's midnight. */
+    private function atualiza(): bool
+    {
+        return $this->forcada || $this->ateAgora;
+    }
+
     /** @param list<string> $dias */
-    private function motivo(array $dias, ?string $ponto, ?int $sinal, string $erros): ?NaoConsolidado
+    private function motivo(array $dias, ?string $ponto, ?int $sinal, string $erros, bool $bem): ?NaoConsolidado
     {
         if ($sinal !== null) {
             return NaoConsolidado::interrompido($sinal);
         }
         if ($erros !== '') {
-            return NaoConsolidado::motor($erros);
+            return $this->ateAgora ? NaoConsolidado::dito($erros, $bem) : NaoConsolidado::motor($erros);
         }
         if (!$dias && $ponto === $this->ponto && ($dono = Trava::dono()) !== null) {
             return NaoConsolidado::ocupado($dono);
@@ -125,12 +151,12 @@ final class Consolidacao
         if ($vazios) {
             return NaoConsolidado::diasVazios(array_values($vazios));
         }
-        if ($this->forcada) {
+        if ($this->atualiza()) {
             return $dias ? null : NaoConsolidado::nadaEscrito();
         }
         return match (true) {
             $ponto === $this->hoje => null,
-            $ponto !== null && $dias && !(new Logs((string) $this->relay->logs))->chegouA($this->hoje)
+            $ponto !== null && $dias && !(new Logs($this->diretorio))->chegouA($this->hoje)
                 => NaoConsolidado::naoTerminou($ponto),
             default => NaoConsolidado::ficou($ponto),
         };

@@ -123,8 +123,8 @@ final readonly class Logs
         return $linhas;
     }
 
-    /** @return list<string> paths */
-    private function todos(): array
+    /** @return list<string> paths of the live log and all that are named after it */
+    public function todos(): array
     {
         $nomes = is_dir($this->diretorio) ? @scandir($this->diretorio) : null;
         if ($nomes === null || $nomes === false || !is_executable($this->diretorio)) {

@@ -130,6 +130,13 @@ final readonly class Rotulos
             'Why nothing was done, or not all; empty when all was done.'],
     ];
 
+    private const ENVIOS = [
+        'usuarios' => ['Usuários', 'Users', 'As linhas do dia na tabela usuarios do banco da frota.',
+            'The rows of the day in the table usuarios of the fleet\'s database.'],
+        'eventos' => ['Eventos', 'Events', 'As linhas do dia na tabela eventos do banco da frota.',
+            'The rows of the day in the table eventos of the fleet\'s database.'],
+    ];
+
     private const SAUDE = [
         'relay' => self::COMUNS['relay'],
         'verificacao' => ['Verificação', 'Check', 'O que se verificou.', 'What was checked.'],
@@ -151,7 +158,7 @@ final readonly class Rotulos
     public static function tabelas(): array
     {
         return ['dias', 'dias_usuario', 'horas', 'horas_usuario', 'horas_do_usuario', 'topo', 'topo_dominios', 'mensagens',
-            'rastro', 'totais', 'usuarios', 'eventos', 'consolidado', 'saude'];
+            'rastro', 'totais', 'usuarios', 'eventos', 'consolidado', 'saude', 'envios'];
     }
 
     /**
@@ -205,6 +212,15 @@ final readonly class Rotulos
         return ["$dia ainda não terminou: vale ", "$dia is not over yet: figures are "][$this->i] . "{$this->ate($ate)}.";
     }
 
+    /** What is told before logs are joined, figures as people write them. */
+    public function juncao(string $quantos, string $bytes, string $livres): string
+    {
+        return [
+            "juntando $quantos logs, que ocupam até $bytes enquanto se consolida; há $livres livres.",
+            "joining $quantos logs, which take up to $bytes during the run; $livres are free.",
+        ][$this->i];
+    }
+
     /** @return array<string, array{string, string, string, string}> head pt, head en, definition pt, definition en */
     private static function tabela(string $tabela): array
     {
@@ -225,6 +241,7 @@ final readonly class Rotulos
             'usuarios' => self::usuarios(),
             'eventos' => self::eventos(),
             'consolidado' => self::CONSOLIDADO,
+            'envios' => ['relay' => $c['relay'], 'dia' => $c['dia']] + self::ENVIOS,
             'saude' => self::SAUDE,
         };
     }

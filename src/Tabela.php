@@ -18,19 +18,21 @@ final readonly class Tabela
      * @param iterable<list<int|Bytes|string|null>> $linhas
      * @param bool $soma whether a table for people ends with a sum
      * @param array<string, \DateTimeImmutable> $abertos the days in it that are not over, as of EmAberto
+     * @param ?list<string> $colunas when they are others than those of that table
      */
     public function __construct(
         public string $nome,
         public iterable $linhas,
         public bool $soma = false,
         public array $abertos = [],
+        ?array $colunas = null,
     ) {
-        $this->colunas = Rotulos::colunas($nome);
+        $this->colunas = $colunas ?? Rotulos::colunas($nome);
     }
 
     /** @param array<string, \DateTimeImmutable> $abertos */
     public function comAbertos(array $abertos): self
     {
-        return new self($this->nome, $this->linhas, $this->soma, $abertos);
+        return new self($this->nome, $this->linhas, $this->soma, $abertos, $this->colunas);
     }
 }

@@ -8,6 +8,7 @@ use Vorna\Mrel\Linha\Consolidado;
 use Vorna\Mrel\Linha\ContasDeUsuario;
 use Vorna\Mrel\Linha\Destinatario;
 use Vorna\Mrel\Linha\DiaDeUsuario;
+use Vorna\Mrel\Linha\Enviado;
 use Vorna\Mrel\Linha\Evento;
 use Vorna\Mrel\Linha\Hora;
 use Vorna\Mrel\Linha\HoraDeUsuario;
@@ -171,6 +172,14 @@ final class Tabelas
         ?Anonimo $anonimo = null,
     ): Tabela {
         return new Tabela('eventos', self::linhasDeEventos($relay, $linhas, new Instantes($fuso), $anonimo));
+    }
+
+    /** @param iterable<Enviado> $linhas */
+    public static function envios(iterable $linhas): Tabela
+    {
+        return new Tabela('envios', self::cada($linhas, static fn (Enviado $l): array => [
+            $l->relay, $l->dia, $l->usuarios, $l->eventos,
+        ]), true);
     }
 
     public static function consolidado(Consolidado $c): Tabela

@@ -89,7 +89,7 @@ final class Transbordo
     }
 
     /** @return array{int, int} how often the totals of local and of other senders began again at 0 that day */
-    private function voltas(string $dia): array
+    public function voltas(string $dia): array
     {
         $estatistica = $this->dias->caminho(Dias::ESTATISTICA, $dia);
         $compacto = $this->dias->caminho(Dias::COMPACTO, $dia);

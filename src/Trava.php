@@ -16,6 +16,12 @@ final class Trava
         return $pid === null ? null : self::processo($pid);
     }
 
+    /** Whether it is this process's. */
+    public static function minha(): bool
+    {
+        return self::processoDono() === getmypid();
+    }
+
     /**
      * The same with its age: process, seconds since it began, who it is.
      *
@@ -57,12 +63,34 @@ final class Trava
         if ($inodo === false) {
             return null;
         }
+        $disco = self::disco();
         foreach (@file('/proc/locks') ?: [] as $linha) {
-            if (preg_match('/^\d+: POSIX .* (\d+) [0-9a-f]+:[0-9a-f]+:(\d+) /', $linha, $m) && (int) $m[2] === $inodo) {
+            if (
+                preg_match('/^\d+: POSIX .* (\d+) ([0-9a-f]+:[0-9a-f]+):(\d+) /', $linha, $m)
+                && (int) $m[3] === $inodo && ($disco === null || $m[2] === $disco)
+            ) {
                 return (int) $m[1];
             }
         }
         return null;
+    }
+
+    /**
+     * The file system that it is on, as /proc/locks names it: files of others may have the same number. Taken
+     * from the mounts, since what stat tells is another one on some file systems.
+     */
+    private static function disco(): ?string
+    {
+        $disco = null;
+        $maior = 0;
+        foreach (@file('/proc/self/mountinfo') ?: [] as $linha) {
+            [, , $numeros, , $ponto] = explode(' ', $linha) + ['', '', '', '', '-'];
+            if (strlen($ponto) >= $maior && str_starts_with(self::ARQUIVO, rtrim($ponto, '/') . '/')) {
+                $maior = strlen($ponto);
+                $disco = vsprintf('%02x:%02x', explode(':', $numeros));
+            }
+        }
+        return $disco;
     }
 
     private static function processo(int $pid): string
@@ -75,7 +103,7 @@ final class Trava
     }
 
     /** By /etc/passwd: the module that knows users may not be loaded. */
-    private static function usuario(int $uid): string
+    public static function usuario(int $uid): string
     {
         $texto = (string) @file_get_contents('/etc/passwd');
         return preg_match("/^([^:\n]+):[^:\n]*:$uid:/m", $texto, $m) ? $m[1] : "uid $uid";

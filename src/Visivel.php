@@ -22,6 +22,16 @@ final class Visivel
         return self::troca('/[\x00-\x09\x0B\x0C\x0E-\x1F\x7F]|\r(?!\n)|\xC2[\x80-\x9F]/', $utf8);
     }
 
+    /** Back from the pictures to what they show: no log can hold a picture. */
+    public static function bytes(string $visivel): string
+    {
+        return preg_replace_callback(
+            '/\xE2\x90([\x80-\x9F\xA1])/',
+            static fn (array $m): string => $m[1] === "\xA1" ? "\x7F" : chr(ord($m[1]) & 0x1F),
+            $visivel
+        );
+    }
+
     private static function troca(string $padrao, string $utf8): string
     {
         return preg_replace_callback($padrao, static fn (array $m): string => match (true) {

@@ -13,6 +13,7 @@ use Symfony\Component\Console\Input\InputArgument;
 use Symfony\Component\Console\Input\InputDefinition;
 use Symfony\Component\Console\Input\InputOption;
 use Vorna\Mrel\Falha;
+use Vorna\Mrel\Falha\EnvioFalhou;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Falha\NenhumDia;
 use Vorna\Mrel\Versao;
@@ -36,6 +37,8 @@ final class Aplicacao extends Application
         'rastro' => Rastro::class, 'trace' => Rastro::class,
         'consolida' => Consolida::class, 'consolidate' => Consolida::class,
         'exporta' => Exporta::class, 'export' => Exporta::class,
+        'esquema' => Esquema::class, 'schema' => Esquema::class,
+        'envia' => Envia::class, 'send' => Envia::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
@@ -79,7 +82,7 @@ final class Aplicacao extends Application
         } catch (Falha $e) {
             self::diz($e->frase($lingua));
             return $e instanceof NenhumDia || $e instanceof NaoConsolidado || $e instanceof NaoEncontrada
-                ? self::NAO_FEITO : self::IMPOSSIVEL;
+                || $e instanceof EnvioFalhou ? self::NAO_FEITO : self::IMPOSSIVEL;
         } catch (ExceptionInterface $e) {
             self::diz(UsoErrado::doConsole($e)->frase($lingua));
             return self::IMPOSSIVEL;

@@ -16,6 +16,8 @@ abstract class Comando extends Command
 {
     /** Names in Opcoes, besides those that all commands have. */
     public const OPCOES = [];
+    /** Whether it is about a relay, which must then be known. */
+    protected const DE_UM_RELAY = true;
     /** The tables that it answers with, as in Rotulos; and when, if there are several. */
     public const TABELAS = [];
     /** Whether it answers for all relays of a configuration at once. */
@@ -44,7 +46,7 @@ abstract class Comando extends Command
     final protected function execute(InputInterface $input, OutputInterface $output): int
     {
         \assert($output instanceof Saida);
-        return $this->responde(new Pedido($input, $output->eTerminal(), static::VARIOS), $output);
+        return $this->responde(new Pedido($input, $output->eTerminal(), static::VARIOS, static::DE_UM_RELAY), $output);
     }
 
     public function complete(CompletionInput $input, CompletionSuggestions $suggestions): void

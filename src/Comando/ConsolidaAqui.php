@@ -4,13 +4,15 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Comando;
 
+use Vorna\Mrel\AteAgora;
 use Vorna\Mrel\Consolidacao;
+use Vorna\Mrel\Falha\NaoConsolidado;
 
 /** The run itself, for Consolida, which watches it from outside. */
 final class ConsolidaAqui extends Comando
 {
     public const NOME = '_consolida';
-    public const OPCOES = ['forcar'];
+    public const OPCOES = ['forcar', 'ate-agora'];
 
     protected function configure(): void
     {
@@ -20,7 +22,16 @@ final class ConsolidaAqui extends Comando
 
     protected function responde(Pedido $pedido, Saida $saida): int
     {
-        Consolidacao::executa($pedido->relay, $pedido->marcada('forcar'));
+        if (!$pedido->marcada('ate-agora')) {
+            Consolidacao::executa($pedido->relay, $pedido->marcada('forcar'));
+            return Aplicacao::FEITO;
+        }
+        try {
+            AteAgora::executa($pedido->relay);
+        } catch (NaoConsolidado $e) {
+            $e->nadaAFazer || throw $e;
+            Aplicacao::diz($e->frase($pedido->lingua));
+        }
         return Aplicacao::FEITO;
     }
 }

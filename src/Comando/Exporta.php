@@ -7,7 +7,6 @@ namespace Vorna\Mrel\Comando;
 use Symfony\Component\Console\Completion\CompletionInput;
 use Symfony\Component\Console\Completion\CompletionSuggestions;
 use Symfony\Component\Console\Input\InputArgument;
-use Vorna\Mrel\Anonimo;
 use Vorna\Mrel\Exportacao;
 use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Tabela;
@@ -45,7 +44,7 @@ final class Exporta extends Lista
     {
         $relay = $pedido->relay;
         $exportacao = new Exportacao($relay);
-        $anonimo = $this->anonimo($pedido);
+        $anonimo = $pedido->anonimo();
         return match ($this->qual($pedido)) {
             'totais' => Tabelas::totais($relay->nome, $pedido->relatorios()->totais($periodo)),
             'usuarios' => Tabelas::usuarios($relay->nome, $exportacao->usuarios($periodo), $anonimo),
@@ -60,17 +59,5 @@ final class Exporta extends Lista
         } else {
             parent::complete($input, $suggestions);
         }
-    }
-
-    private function anonimo(Pedido $pedido): ?Anonimo
-    {
-        $chave = $pedido->texto('chave');
-        if (!$pedido->marcada('anonimo')) {
-            return $chave === null ? null : throw new UsoErrado(
-                '--chave só vale com --anonimo: dê os dois, ou nenhum.',
-                '--chave is of use with --anonimo only: give both, or neither.'
-            );
-        }
-        return $chave === null ? Anonimo::destaVez() : Anonimo::comChave($chave);
     }
 }

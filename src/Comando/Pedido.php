@@ -5,6 +5,7 @@ declare(strict_types=1);
 namespace Vorna\Mrel\Comando;
 
 use Symfony\Component\Console\Input\InputInterface;
+use Vorna\Mrel\Anonimo;
 use Vorna\Mrel\Calendario;
 use Vorna\Mrel\Configuracao;
 use Vorna\Mrel\Falha\EntradaInvalida;
@@ -20,6 +21,7 @@ use Vorna\Mrel\Relay;
 /** What was asked for at the command line, in the library's terms. */
 final readonly class Pedido
 {
+    /** Neither is set for a command that is about no relay. */
     public Relay $relay;
     /** @var non-empty-list<Relay> all of the configuration, when none was chosen and the command takes several */
     public array $relays;
@@ -27,12 +29,14 @@ final readonly class Pedido
     /** One of Opcoes::FORMATOS. */
     public string $formato;
 
-    public function __construct(private InputInterface $entrada, bool $terminal, bool $varios = false)
+    public function __construct(private InputInterface $entrada, bool $terminal, bool $varios = false, bool $deUmRelay = true)
     {
         $this->lingua = $this->escolha('lingua', Opcoes::LINGUAS) ?? Lingua::doAmbiente();
         $this->formato = $this->escolha('formato', Opcoes::FORMATOS) ?? ($terminal ? 'tabela' : 'csv');
-        $this->relays = array_map($this->comOpcoes(...), $this->bases($varios));
-        $this->relay = $this->relays[0];
+        if ($deUmRelay) {
+            $this->relays = array_map($this->comOpcoes(...), $this->bases($varios));
+            $this->relay = $this->relays[0];
+        }
     }
 
     /** @return list<string> the names that --relay may have */
@@ -55,6 +59,19 @@ final readonly class Pedido
     public function temPeriodo(): bool
     {
         return ($this->texto('de') ?? '') !== '' || ($this->texto('ate') ?? '') !== '';
+    }
+
+    /** What --anonimo and --chave say. */
+    public function anonimo(): ?Anonimo
+    {
+        $chave = $this->texto('chave');
+        if (!$this->marcada('anonimo')) {
+            return $chave === null ? null : throw new UsoErrado(
+                '--chave só vale com --anonimo: dê os dois, ou nenhum.',
+                '--chave is of use with --anonimo only: give both, or neither.'
+            );
+        }
+        return $chave === null ? Anonimo::destaVez() : Anonimo::comChave($chave);
     }
 
     public function comoEscrever(): Formato

@@ -80,6 +80,17 @@ final class UsoErrado extends Falha
         );
     }
 
+    /** @param list<string> $possiveis */
+    public static function banco(string $que, array $possiveis): self
+    {
+        $q = self::cita($que);
+        $lista = implode(', ', $possiveis);
+        return new self(
+            "Não há esquema para \"$q\": escolha um de $lista.",
+            "There is no schema for \"$q\": choose one of $lista."
+        );
+    }
+
     public static function numero(string $opcao, string $valor): self
     {
         $v = self::cita($valor);

@@ -50,11 +50,59 @@ final class NaoConsolidado extends Falha
         );
     }
 
-    public static function ocupado(string $dono): self
+    /**
+     * @param string $dono who holds the lock, "" when it is not known
+     * @param bool $semFalta whether nothing is lost by doing nothing
+     */
+    public static function ocupado(string $dono, bool $semFalta = false): self
+    {
+        $quem = $dono === '' ? '' : ": $dono";
+        return new self(
+            "Outro processo consolida agora e tem a trava$quem; espere que termine e rode de novo.",
+            "Another process consolidates now and holds the lock$quem; wait for its end and run again.",
+            $semFalta
+        );
+    }
+
+    /** What the process that did the work said of itself, in the language asked for. */
+    public static function dito(string $frase, bool $semFalta): self
+    {
+        return new self($frase, $frase, $semFalta);
+    }
+
+    public static function comoRoot(string $dados, string $dono): self
+    {
+        $d = self::cita($dados);
+        return new self(
+            "Como root ficariam arquivos que $dono, dono de $d, não pode reescrever: rode como esse usuário.",
+            "As root there would be files that $dono, who owns $d, cannot write again: run as that user."
+        );
+    }
+
+    public static function discoCheio(string $diretorio): self
+    {
+        $d = self::cita($diretorio);
+        return new self(
+            "Os arquivos novos não ficaram inteiros em $d e nada foi trocado: confira o espaço em disco.",
+            "The new files did not get whole in $d, and nothing was replaced: check the disk space."
+        );
+    }
+
+    public static function semTroca(string $caminho): self
+    {
+        $c = self::cita($caminho);
+        return new self(
+            "$c não pode ser trocado (outro dono, outro grupo ou outro sistema de arquivos): nada mudou.",
+            "$c cannot be replaced (another owner, group or file system): nothing was changed."
+        );
+    }
+
+    public static function encolheria(string $dia, int $novo, int $velho): self
     {
         return new self(
-            "Outro processo consolida agora e tem a trava: $dono; espere que termine e rode de novo.",
-            "Another process consolidates now and holds the lock: $dono; wait for its end and run again."
+            "Os logs dão menos de $dia ($novo bytes) do que já há ($velho): falta um log? Tente --juntar. Nada mudou.",
+            "The logs give less of $dia ($novo bytes) than there is ($velho): is a log missing? Try --juntar. Nothing "
+                . 'was changed.'
         );
     }
 
@@ -63,6 +111,42 @@ final class NaoConsolidado extends Falha
         return new self(
             "A trava $arquivo é de outro usuário: consolide sempre com o mesmo, ou remova-a como root se não se usa.",
             "The lock $arquivo is another user's: consolidate always as the same one, or remove it as root if unused."
+        );
+    }
+
+    public static function naoSeiLer(string $arquivo): self
+    {
+        $a = self::cita($arquivo);
+        return new self(
+            "O log $a não é texto nem gzip: descomprima-o ou tire-o daí, pois sem ele faltaria correio.",
+            "The log $a is neither text nor gzip: uncompress it or move it away, as without it mail would be missing."
+        );
+    }
+
+    public static function cortado(string $arquivo): self
+    {
+        $a = self::cita($arquivo);
+        return new self(
+            "O log $a está cortado ou danificado: se ainda está sendo comprimido, espere; senão devolva-o inteiro.",
+            "The log $a is cut short or damaged: if it is still being compressed, wait; else put it back whole."
+        );
+    }
+
+    public static function semEspaco(string $diretorio, int $precisa, int $ha): self
+    {
+        $d = self::cita($diretorio);
+        return new self(
+            "Falta espaço em $d para juntar os logs (precisa de $precisa bytes, há $ha): libere-o e rode de novo.",
+            "There is no space in $d to join the logs ($precisa bytes needed, $ha left): make room and run again."
+        );
+    }
+
+    public static function giramSempre(string $diretorio): self
+    {
+        $d = self::cita($diretorio);
+        return new self(
+            "Os logs de $d mudaram enquanto eram lidos: rode de novo quando o rodízio deles tiver terminado.",
+            "The logs in $d changed while they were read: run again when their rotation has ended."
         );
     }
 

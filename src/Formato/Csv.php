@@ -7,11 +7,12 @@ namespace Vorna\Mrel\Formato;
 use Vorna\Mrel\Bytes;
 use Vorna\Mrel\Formato;
 use Vorna\Mrel\Tabela;
+use Vorna\Mrel\Visivel;
 
 /**
  * Comma separated values as RFC 4180 has them, but lines end in LF; or as a spreadsheet of this part of the
- * world opens them: semicolons, byte order mark, CR LF, decimal comma, and no text that it would take
- * for a formula.
+ * world opens them: semicolons, byte order mark, CR LF, decimal comma, control characters as pictures, and
+ * no text that it would take for a formula.
  */
 final readonly class Csv implements Formato
 {
@@ -55,8 +56,12 @@ final readonly class Csv implements Formato
             return strtr((string) $valor, '.', ',');
         }
         $texto = (string) $valor;
-        if ($this->planilha && is_string($valor) && $texto !== '' && strpos("=+-@\t\r", $texto[0]) !== false) {
-            $texto = "'$texto";
+        if ($this->planilha && is_string($valor)) {
+            // For people: programs get every byte as it is.
+            $texto = Visivel::linhas($texto);
+            if ($texto !== '' && strpos('=+-@', $texto[0]) !== false) {
+                $texto = "'$texto";
+            }
         }
         return strpbrk($texto, $this->especiais) === false ? $texto : '"' . str_replace('"', '""', $texto) . '"';
     }

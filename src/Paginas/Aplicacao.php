@@ -56,32 +56,36 @@ final class Aplicacao
             return $this->aviso($requisicao, $lingua, 405, 'metodo', ['Allow' => 'GET, HEAD']);
         }
         $pagina = new $classe();
-        $falha = null;
-        $relays = [];
-        $relay = new Relay('', '');
-        try {
-            $relays = Configuracao::le($this->configuracao ?? Configuracao::arquivo())->relays;
-            $nomes = array_map('strval', array_keys($relays));
-            $relay = $relays[$parametros->escolha('relay', $nomes) ?? $nomes[0]];
-        } catch (Falha $e) {
-            $falha = $e;
-        }
+        [$relays, $falha] = $this->relays();
+        $nomes = array_map('strval', array_keys($relays));
+        $nome = $relays ? $parametros->escolha('relay', $nomes) ?? $nomes[0] : '';
+        $relay = $relays[$nome] ?? new Relay('', '', fuso: new \DateTimeZone('UTC'));
         $pedido = new Pedido(
             $pagina,
             $parametros,
             $relay,
             new Permissao($this->acesso, $relay),
-            new Enderecos($requisicao->acima(), self::mantidos($parametros, $lingua)),
+            new Enderecos($requisicao->acima(), self::mantidos($parametros, $lingua, $nomes)),
             $lingua,
             $this->agora ?? new \DateTimeImmutable(),
         );
-        $resposta = $this->daPagina($pagina, $pedido, array_map('strval', array_keys($relays)), $falha);
-        $pedidos = array_map(static fn (int|string $n): string => $parametros->dado((string) $n), array_combine(
-            $nomes = array_intersect(array_keys($requisicao->parametros), Parametros::TODOS),
-            $nomes
-        ));
-        $this->auditoria->anota($this->acesso->quem(), $requisicao->caminho, $relay->nome, $pedidos, $resposta->estado);
+        $resposta = $this->daPagina($pagina, $pedido, $nomes, $falha);
+        $dados = [];
+        foreach (array_intersect(Parametros::TODOS, array_keys($requisicao->parametros)) as $parametro) {
+            $dados[$parametro] = $parametros->dado($parametro);
+        }
+        $this->auditoria->anota($this->acesso->quem(), $requisicao->caminho, $relay->nome, $dados, $resposta->estado);
         return $resposta;
+    }
+
+    /** @return array{array<string, Relay>, ?Falha} those of the configuration, or why there are none */
+    private function relays(): array
+    {
+        try {
+            return [Configuracao::le($this->configuracao ?? Configuracao::arquivo())->relays, null];
+        } catch (Falha $e) {
+            return [[], $e];
+        }
     }
 
     /** @param list<string> $relays */
@@ -94,6 +98,10 @@ final class Aplicacao
             }
             if ($pedido->permissao->nada() && $pagina::NOME !== Pagina\Definicoes::NOME) {
                 throw SemAcesso::nenhum();
+            }
+            if (isset($pedido->parametros->erros()['relay'])) {
+                // The figures of another relay would be taken for those asked for.
+                return Resposta::html(422, $molde->semPagina('errado', $pedido->parametros->erros()['relay']));
             }
             $formato = $pedido->parametros->escolha('formato', ['csv', 'excel']);
             $tabela = $formato === null ? null : $pagina->tabela($pedido);
@@ -124,12 +132,18 @@ final class Aplicacao
         return Resposta::html($estado, Molde::aviso($enderecos, $lingua, $texto), $cabecalhos);
     }
 
-    /** What every link carries on: only what was chosen, and could be understood. */
-    private static function mantidos(Parametros $parametros, string $lingua): array
+    /**
+     * What every link carries on: only what was chosen, and can be.
+     *
+     * @param list<string> $relays
+     * @return array<string, string>
+     */
+    private static function mantidos(Parametros $parametros, string $lingua, array $relays): array
     {
-        $mantidos = [];
-        foreach (['de', 'ate', 'relay'] as $nome) {
-            $mantidos[$nome] = $parametros->dado($nome);
+        $mantidos = ['relay' => in_array($parametros->dado('relay'), $relays, true) ? $parametros->dado('relay') : ''];
+        foreach (['de', 'ate'] as $nome) {
+            $dado = $parametros->dado($nome);
+            $mantidos[$nome] = preg_match('/^[a-z0-9-]{1,20}$/D', $dado) ? $dado : '';
         }
         $mantidos['lingua'] = $lingua === 'pt' ? '' : $lingua;
         return array_filter($mantidos, static fn (string $v): bool => $v !== '');

@@ -10,6 +10,7 @@ use Twig\TwigFunction;
 use Vorna\Mrel\Falha;
 use Vorna\Mrel\Formato\Humano;
 use Vorna\Mrel\Rotulos;
+use Vorna\Mrel\Visivel;
 
 /** Puts what a page has found into its template. Templates escape every text; nothing here does. */
 final class Molde
@@ -54,9 +55,9 @@ final class Molde
         $p = $this->pedido;
         $parametros = $p->parametros;
         $periodo = isset($parametros->erros()['de']) || isset($parametros->erros()['ate']) ? null : $this->periodo();
-        $campos = [];
+        $dado = [];
         foreach (Parametros::TODOS as $nome) {
-            $campos[$nome] = $parametros->dado($nome);
+            $dado[$nome] = $parametros->dado($nome);
         }
         return self::twig($p->enderecos, $p->lingua)->render($molde, $dados + [
             'lingua' => $p->lingua,
@@ -67,10 +68,11 @@ final class Molde
             'periodo' => $periodo,
             'abertos' => $periodo === null || $this->pagina === Pagina\Rastro::NOME ? [] : $this->abertos(),
             'atalhos' => $p->atalhos(),
-            'campos' => $campos,
+            // A control byte has no place in a page, not even in a field.
+            'campos' => array_map(Visivel::texto(...), $dado),
             'erros' => array_map(static fn (Falha $e): string => $e->frase($p->lingua), $parametros->erros()),
             'esta' => array_filter(
-                array_diff_key($campos, array_flip(['de', 'ate', 'relay', 'lingua', 'formato'])),
+                array_diff_key($dado, array_flip(['de', 'ate', 'relay', 'lingua', 'formato'])),
                 static fn (string $v): bool => $v !== ''
             ),
         ]);
@@ -123,7 +125,7 @@ final class Molde
                 'rotulo' => $rotulos->coluna(...),
                 'valor' => $rotulos->valor(...),
                 'linhas' => Narrativa::linhas(...),
-                'visivel' => \Vorna\Mrel\Visivel::texto(...),
+                'visivel' => Visivel::texto(...),
             ] as $nome => $faz
         ) {
             $twig->addFunction(new TwigFunction($nome, $faz));

@@ -17,6 +17,8 @@ final readonly class Narrativa
 {
     /** Recipients named in one line of the story; more are counted. */
     private const NOMEADOS = 3;
+    /** With more recipients than these, all who fared alike are one step. */
+    private const POUCOS = 6;
 
     /** What is answered to "did it arrive?": sim, parte, nao, virus, curso, tenta, saiu, erro. */
     public string $resposta;
@@ -26,7 +28,7 @@ final readonly class Narrativa
     public int $recusados;
     /** When the last recipient accepted it. */
     public ?\DateTimeImmutable $entregue;
-    /** @var list<array{quando: ?\DateTimeImmutable, tipo: string, nomes: list<string>, mais: int, texto: string}> */
+    /** @var list<array<string, mixed>> first and last time, kind, names, how many more, what the other side said */
     public array $passos;
 
     public function __construct(public Rastro $rastro)
@@ -49,6 +51,12 @@ final readonly class Narrativa
         $recusa = self::com($rastro, Estado::Recusado)[0] ?? null;
         $textos = self::linhas($recusa->texto ?? '') ?: $this->texto();
         $this->motivo = in_array($this->resposta, ['nao', 'tenta', 'parte'], true) ? (string) end($textos) : '';
+    }
+
+    /** The name of the answer's text. */
+    public function titulo(): string
+    {
+        return 'resposta.' . ($this->resposta === 'tenta' && $this->entregues === 0 ? 'ainda' : $this->resposta);
     }
 
     /**
@@ -77,16 +85,19 @@ final readonly class Narrativa
         ));
     }
 
-    /** What happened to several recipients in the same second, in the same words, is one step. */
+    /** What happened to several recipients in the same second is one step; of many recipients, at any time. */
     private function passos(): array
     {
         $r = $this->rastro;
         $passos = [];
         foreach ($r->destinatarios as $d) {
-            $texto = implode(' ', self::linhas($d->texto));
-            $chave = $d->quando->getTimestamp() . $d->estado->value . $texto;
-            $passos[$chave] ??= ['quando' => $d->quando, 'tipo' => $d->estado->value, 'nomes' => [], 'mais' => 0,
-                'texto' => $texto];
+            $recusado = $d->estado === Estado::Recusado;
+            $texto = $recusado ? implode(' ', self::linhas($d->texto)) : '';
+            $chave = (count($r->destinatarios) > self::POUCOS ? '' : $d->quando->getTimestamp()) . ($recusado ? "-$texto" : '+');
+            $passos[$chave] ??= ['quando' => $d->quando, 'ate' => $d->quando, 'tipo' => $d->estado->value, 'nomes' => [],
+                'mais' => 0, 'texto' => $texto];
+            $passos[$chave]['quando'] = min($passos[$chave]['quando'], $d->quando);
+            $passos[$chave]['ate'] = max($passos[$chave]['ate'], $d->quando);
             if (count($passos[$chave]['nomes']) < self::NOMEADOS) {
                 $passos[$chave]['nomes'][] = Visivel::texto($d->nome);
             } else {
@@ -96,7 +107,7 @@ final readonly class Narrativa
         $passos = array_values($passos);
         usort($passos, static fn (array $a, array $b): int => $a['quando'] <=> $b['quando']);
         $ponta = static fn (string $tipo, ?\DateTimeImmutable $quando): array =>
-            [['quando' => $quando, 'tipo' => $tipo, 'nomes' => [], 'mais' => 0, 'texto' => '']];
+            [['quando' => $quando, 'ate' => $quando, 'tipo' => $tipo, 'nomes' => [], 'mais' => 0, 'texto' => '']];
         return [
             ...($r->submetida ? $ponta('submetida', $r->submetida) : []),
             ...$passos,

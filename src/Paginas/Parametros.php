@@ -11,6 +11,7 @@ use Vorna\Mrel\Filtro;
 use Vorna\Mrel\Nome;
 use Vorna\Mrel\Periodo;
 use Vorna\Mrel\Texto;
+use Vorna\Mrel\Visivel;
 
 /**
  * The one place where parameters of an address are read. Whoever made the address may have put anything
@@ -43,6 +44,7 @@ final class Parametros
         if (!is_string($valor)) {
             return $this->recusa($nome, ParametroInvalido::lista());
         }
+        $valor = Visivel::bytes($valor);  // as it was copied from a page
         return match (true) {
             strlen($valor) > self::MAIOR => $this->recusa($nome, ParametroInvalido::longo($valor, self::MAIOR)),
             str_contains($valor, "\0") => $this->recusa($nome, ParametroInvalido::nulo($valor)),

@@ -31,10 +31,11 @@ function hostil(): string
             continue;
         }
         $c = chr($b);
-        $diz("MAILQ SUBMIT Msg H{$c}D$b de INTERNO remetente a{$c}$b\"'<script>alert(1)</script>@x.example com 100 bytes");
-        $diz("MAILSMTP ERROR_DEST Msg H{$c}D$b destinatario b{$c}$b<img/src=x/onerror=alert(1)>@y.example recusado 550");
-        $diz("MAILSMTP ERROR_FINAL Msg H{$c}D$b 550 nao{$c}ha </pre><script>alert(1)</script> \"'&amp;");
-        $diz("MAILSMTP END Msg H{$c}D$b");
+        $id = sprintf('H%sD%013d', $c, $b);  // the engine finds a text behind an id of 16
+        $diz("MAILQ SUBMIT Msg $id de INTERNO remetente a{$c}$b\"'<script>alert(1)</script>@x.example com 100 bytes");
+        $diz("MAILSMTP ERROR_DEST Msg $id destinatario b{$c}$b<img/src=x/onerror=alert(1)>@y.example recusado 550");
+        $diz("MAILSMTP ERROR_FINAL Msg $id 550 nao{$c}ha </pre><script>alert(1)</script> \"'&amp;");
+        $diz("MAILSMTP END Msg $id");
     }
     $diz('MAILQ SUBMIT Msg =1+1 de INTERNO remetente =cmd|calc@x.example com 100 bytes');
     $diz('MAILQ SUBMIT Msg VINTE de INTERNO remetente lista@x.example com 5000 bytes');
@@ -56,6 +57,7 @@ foreach (['demo' => '2026-03-10 --dias 3 --mensagens 20000 --usuarios 400', 'mes
 }
 array_map('unlink', glob("$dir/mes/dat/rels_03-26/*_15.txt"));
 unlink("$dir/torto/dat/rels_03-26/compact_mail_10.txt");
+unlink("$dir/torto/dat/rels_03-26/mail_stat_11.txt");
 mkdir("$dir/hostil/logs", 0755, true);
 file_put_contents("$dir/hostil/logs/MAIL_DISPATCHER.LOG", hostil() . "Wed Mar 11 00:00:01 2026: 09 MAILQ END Msg NADA\n");
 consolida("$dir/hostil");

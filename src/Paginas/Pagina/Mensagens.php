@@ -66,12 +66,12 @@ final class Mensagens extends Pagina
         $nomes = array_map($p->nome(...), ['usuario', 'remetente', 'destinatario']);
         $id = $p->id('id');
         [$min, $max] = [$p->numero('min_kb'), $p->numero('max_kb')];
-        $hora = $p->escolha('hora', array_map('strval', range(0, 23)));
+        $hora = $p->numero('hora');
+        $hora > 23 && $p->recusa('hora', EntradaInvalida::hora($hora));
         if (!$pedido->entendido() || [...$nomes, $id, $min, $max, $hora] === array_fill(0, 7, null)) {
             return null;
         }
         try {
-            $hora = $hora === null ? null : (int) $hora;
             $filtro = new Filtro(...[...$nomes, $id, $min ?? 0, $max ?? 0, true, $hora]);
         } catch (EntradaInvalida $e) {
             return $p->recusa($nomes[0] !== null && ($nomes[1] ?? $nomes[2]) !== null ? 'usuario' : 'max_kb', $e);

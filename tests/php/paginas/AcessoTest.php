@@ -163,7 +163,7 @@ final class AcessoTest extends TestCase
     {
         $this->pede('/rastro?id=A%0A"B%1B%E1&outro=1', null);
         self::assertSame(
-            ["quem=\"ana\" pagina=\"/rastro\" relay=\"r\" id=\"A\u{240A}\\\"B\u{241B}á\" de=\"2026-03-10\" estado=422"],
+            ["quem=\"ana\" pagina=\"/rastro\" relay=\"r\" de=\"2026-03-10\" id=\"A\u{240A}\\\"B\u{241B}á\" estado=422"],
             $this->auditoria
         );
     }

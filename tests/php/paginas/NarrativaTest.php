@@ -75,6 +75,8 @@ final class NarrativaTest extends TestCase
             array_map(static fn (array $p): string => "$p[tipo] " . implode(',', $p['nomes'])
                 . ($p['mais'] ? "+$p[mais]" : ''), $n->passos)
         );
+        $muitos = self::historia(Estado::Entregue, array_map(static fn (int $i): string => "+r$i", range(1, 20)));
+        self::assertSame([['r1', 'r2', 'r3'], 17], [$muitos->passos[1]['nomes'], $muitos->passos[1]['mais']]);
     }
 
     public function testGrafias(): void

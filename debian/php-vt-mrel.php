@@ -1,0 +1,2 @@
+mod modules/vt_mrel.so
+mod debian/vt_mrel.ini
