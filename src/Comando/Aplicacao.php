@@ -40,6 +40,7 @@ final class Aplicacao extends Application
         'esquema' => Esquema::class, 'schema' => Esquema::class,
         'envia' => Envia::class, 'send' => Envia::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
+        'exame' => Exame::class, 'doctor' => Exame::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 
