@@ -67,7 +67,7 @@ check_lists() {
 check_share() {
     find . \( -path ./out -o -path ./.git -o -name vendor -o -name node_modules \) -prune -o -type f \
         \( -name '*.cpp' -o -name '*.h' -o -name '*.php' -o -name '*.phpt' -o -name '*.inc' -o -name '*.sh' \
-        -o -name '*.js' -o -name '*.mjs' -o -name '*.twig' -o -path ./dev -o -path './bin/*' -o -path './.ci/*' \) -print |
+        -o -name '*.js' -o -name '*.mjs' -o -name '*.twig' -o -path ./dev -o -path './bin/*' -o -path './.ci/*' -o -path './debian/*.post*' \) -print |
         grep -v '_arginfo\.h$\|\.min\.js$' | xargs grep -Hc '[^[:space:]]' |
         awk -F: '
             { all += $2; split($1, part, "/") }

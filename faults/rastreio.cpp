@@ -25,69 +25,38 @@ namespace {
 
 constexpr unsigned limite_de_tempo = 120;  // seconds: far more than a busy machine needs
 
-constexpr int nenhum = -1;
-
-// Calls that touch a file, and which argument is its path or its descriptor.
+// What a call touches: nothing, the file of a descriptor (its first argument), or that of a path.
+enum Toca { nada, fd, path0, path1, path1_ou_fd };
 struct Tipo {
     long numero;
     const char* nome;
-    int path;
-    int fd;
-};
-constexpr Tipo de_arquivo[] = {
-    {SYS_openat, "openat", 1, nenhum},
-    {SYS_open, "open", 0, nenhum},
-    {SYS_read, "read", nenhum, 0},
-    {SYS_write, "write", nenhum, 0},
-    {SYS_writev, "writev", nenhum, 0},
-    {SYS_close, "close", nenhum, 0},
-    {SYS_fsync, "fsync", nenhum, 0},
-    {SYS_fdatasync, "fdatasync", nenhum, 0},
-    {SYS_rename, "rename", 0, nenhum},
-    {SYS_unlink, "unlink", 0, nenhum},
-    {SYS_mkdir, "mkdir", 0, nenhum},
-    {SYS_stat, "stat", 0, nenhum},
-    {SYS_lstat, "lstat", 0, nenhum},
-    {SYS_fstat, "fstat", nenhum, 0},
-    {SYS_newfstatat, "newfstatat", 1, 0},
-    {SYS_access, "access", 0, nenhum},
-    {SYS_getdents64, "getdents64", nenhum, 0},
-    {SYS_readlink, "readlink", 0, nenhum},
-    {SYS_fcntl, "fcntl", nenhum, 0},
-    {SYS_lseek, "lseek", nenhum, 0},
-    {SYS_ioctl, "ioctl", nenhum, 0},
-    {SYS_fchmod, "fchmod", nenhum, 0},
-    {SYS_fchown, "fchown", nenhum, 0},
-    {SYS_ftruncate, "ftruncate", nenhum, 0},
-    {SYS_dup, "dup", nenhum, 0},
+    Toca toca;
 };
 
-// Calls that touch none.
-constexpr long de_outra_coisa[] = {
-    SYS_brk,
-    SYS_mmap,
-    SYS_munmap,
-    SYS_mprotect,
-    SYS_mremap,
-    SYS_madvise,
-    SYS_futex,
-    SYS_rt_sigprocmask,
-    SYS_rt_sigaction,
-    SYS_rt_sigreturn,
-    SYS_getpid,
-    SYS_gettid,
-    SYS_tgkill,
-    SYS_exit_group,
-    SYS_clock_gettime,
-    SYS_getrandom,
-    SYS_restart_syscall,
-};
+// The calls that the works make.
+// clang-format off
+#define CHAMADAS(C)\
+    C(openat, path1) \
+    C(open, path0) C(rename, path0) C(unlink, path0) C(mkdir, path0) C(stat, path0) \
+    C(lstat, path0) C(access, path0) C(readlink, path0) \
+    C(newfstatat, path1_ou_fd) \
+    C(read, fd) C(write, fd) C(writev, fd) C(close, fd) C(fsync, fd) \
+    C(fdatasync, fd) C(fstat, fd) C(getdents64, fd) C(fcntl, fd) C(lseek, fd) \
+    C(ioctl, fd) C(fchmod, fd) C(fchown, fd) C(ftruncate, fd) C(dup, fd) \
+    C(brk, nada) C(mmap, nada) C(munmap, nada) C(mprotect, nada) C(mremap, nada) \
+    C(madvise, nada) C(futex, nada) C(rt_sigprocmask, nada) C(rt_sigaction, nada) C(rt_sigreturn, nada) \
+    C(getpid, nada) C(gettid, nada) C(tgkill, nada) C(exit_group, nada) C(clock_gettime, nada) \
+    C(getrandom, nada) C(restart_syscall, nada)
+// clang-format on
+#define DE(nome, toca) {SYS_##nome, #nome, toca},
+constexpr Tipo tipos[] = {CHAMADAS(DE)};
+#undef DE
+#undef CHAMADAS
 
+// Null for a call that touches no file.
 const Tipo* tipo_de(long numero) {
-    for (const Tipo& t : de_arquivo)
-        if (t.numero == numero) return &t;
-    for (const long outra : de_outra_coisa)
-        if (outra == numero) return nullptr;
+    for (const Tipo& t : tipos)
+        if (t.numero == numero) return t.toca != nada ? &t : nullptr;
     throw std::runtime_error("system call " + std::to_string(numero) + " is not known to faults");
 }
 
@@ -146,11 +115,10 @@ std::string Rastreio::texto(unsigned long endereco) const {
 }
 
 std::string Rastreio::path_de(const Tipo& tipo) const {
-    const unsigned long argumentos[] = {regs_.rdi, regs_.rsi};
     std::string path;
-    if (tipo.path != nenhum) path = texto(argumentos[tipo.path]);
-    if (!path.empty() || tipo.fd == nenhum) return path;
-    const auto a = abertos_.find(static_cast<int>(argumentos[tipo.fd]));
+    if (tipo.toca != fd) path = texto(tipo.toca == path0 ? regs_.rdi : regs_.rsi);
+    if (!path.empty() || tipo.toca == path0 || tipo.toca == path1) return path;
+    const auto a = abertos_.find(static_cast<int>(regs_.rdi));
     return a == abertos_.end() ? "" : a->second;
 }
 

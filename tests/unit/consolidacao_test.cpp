@@ -52,9 +52,12 @@ TEST(Consolidacao, umDiaPorInteiro) {
               "Abrindo entrada @/LOGS/MAIL_DISPATCHER.LOG\n"
               "Arquivo posicionado em Sun Mar 15 09:30:00 2009: 07 MAILQ SUBMIT Msg A de INTERNO "
               "remetente ana com 100 bytes\n\n");
-    // The same day again: nothing to do. The next day: only what is new.
-    r.consolida("16 23");
-    EXPECT_EQ(r.traco(), "getLastConsolid(@/last) OK\nrelatorio de hoje ja foi gerado.\n\n");
+    // The same day again, up to its last second's end: nothing to do. The next day: only what is
+    // new.
+    for (const char* cedo : {"16 23", "17"}) {
+        r.consolida(cedo);
+        EXPECT_EQ(r.traco(), "getLastConsolid(@/last) OK\nrelatorio de hoje ja foi gerado.\n\n");
+    }
     const auto antes = dias(r);
     r.consolida("17 00:00:01");
     for (const auto& [nome, texto] : antes) EXPECT_EQ(r.arvore.read(nome), texto) << nome;

@@ -7,7 +7,6 @@
 #include "borland/XmlValueStore.h"
 #include "borland/xmlhelper.h"
 #include "tests/unit/apoio/arvore.h"
-#include "tests/unit/apoio/limite.h"
 
 namespace {
 
@@ -253,14 +252,6 @@ TEST_F(ArquivoDeValores, semLerNemEscrever) {
     for (const std::string& p : {arvore.path("no/such/place"), arvore.path()})
         EXPECT_FALSE(store.SaveToFile(p.c_str())) << p;
     EXPECT_EQ(valores(), "kept=1;");
-    const std::string antes = salva();
-    store.WriteString("b", std::string(100000, 'x').c_str());
-    {
-        const Limite cheio(RLIMIT_FSIZE, 20000);
-        EXPECT_FALSE(store.SaveToFile(arvore.path("Values.xml").c_str()));
-    }
-    EXPECT_EQ(arvore.read("Values.xml"), antes);
-    EXPECT_FALSE(arvore.exists("Values.xml.novo"));
 }
 
 }  // namespace

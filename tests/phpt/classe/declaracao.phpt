@@ -9,8 +9,9 @@ diz($modulo->getVersion(), count($modulo->getFunctions()));
 $classe = new ReflectionClass('vt_mrel');
 diz($classe->isFinal(), $classe->isCloneable(), $classe->getExtensionName());
 foreach ($classe->getMethods() as $m) {
-    echo $m->name, '(', implode(', ', array_map(fn($p) => $p->name, $m->getParameters())), ")\n";
+    echo $m->name, '(', implode(', ', array_map(fn($p) => $p->name, $m->getParameters())), ') ';
 }
+echo "\n";
 $m = new vt_mrel();
 $m->minha = 1;
 foreach (['clone' => fn() => clone $m, 'serialize' => fn() => serialize($m),
@@ -28,21 +29,7 @@ eval('class filha extends vt_mrel {}');
 true
 NULL 0
 true false 'Vorna PHP admin reports functions'
-__construct()
-getPontaraPath()
-setForceMode()
-getDataDir()
-setDataDir(dirpath)
-getLogDir()
-setLogDir(dirpath)
-getPeriods()
-setPeriods(periods)
-add_domain(domain)
-consolidate(lastConsolidFile)
-msgs_per_day(start, end, users, handle)
-user_msgs(destinatarios, remetentes, start, end, msg_id, min_kb, max_kb, handle)
-msgs_per_hour(start, end, user, handle)
-msg_trace(msg_id, start, end, handle)
+__construct() getPontaraPath() setForceMode() getDataDir() setDataDir(dirpath) getLogDir() setLogDir(dirpath) getPeriods() setPeriods(periods) add_domain(domain) consolidate(lastConsolidFile) msgs_per_day(start, end, users, handle) user_msgs(destinatarios, remetentes, start, end, msg_id, min_kb, max_kb, handle) msgs_per_hour(start, end, user, handle) msg_trace(msg_id, start, end, handle) 
 Error: Trying to clone an uncloneable object of class vt_mrel
 Exception: Serialization of 'vt_mrel' is not allowed
 Exception: Unserialization of 'vt_mrel' is not allowed

@@ -10,7 +10,7 @@ ini_set('open_basedir', "/usr:$raiz");
 // Prints each report's answer; the warning is shortened to the method and the directory.
 set_error_handler(function (int $tipo, string $texto) use ($raiz) {
     preg_match('~^vt_mrel::(\S+): open_basedir.*File\((.*)\) is~', $texto, $m);
-    echo $m ? $m[1] . ' ' . str_replace($raiz, '@', $m[2]) : $texto, "\n";
+    echo $m ? $m[1] . ' ' . str_replace($raiz, '@', $m[2]) : $texto, ', ';
     return true;
 });
 function pergunta(vt_mrel $m): void
@@ -41,29 +41,13 @@ limpa(arvore(__FILE__));
 ?>
 --EXPECT--
 given
-setDataDir() /var/vt_fora
-setLogDir() /var/log
-consolidate() /var/vt_ultima
-false false true false
+setDataDir() /var/vt_fora, setLogDir() /var/log, consolidate() /var/vt_ultima, false false true false
 defaults
-msgs_per_day() DAT
-msgs_per_hour() DAT
-msgs_per_hour() DAT
-user_msgs() DAT
-msg_trace() DAT
-'000000'
-consolidate() DAT
-false
-consolidate() LOGS
-true false
+msgs_per_day() DAT, msgs_per_hour() DAT, msgs_per_hour() DAT, user_msgs() DAT, msg_trace() DAT, '000000'
+consolidate() DAT, false
+consolidate() LOGS, true false
 tightened
 '111110'
 false
-msgs_per_day() @/dat
-msgs_per_hour() @/dat
-msgs_per_hour() @/dat
-user_msgs() @/dat
-msg_trace() @/dat
-'000000'
-consolidate() @/ultima
-false
+msgs_per_day() @/dat, msgs_per_hour() @/dat, msgs_per_hour() @/dat, user_msgs() @/dat, msg_trace() @/dat, '000000'
+consolidate() @/ultima, false
