@@ -44,15 +44,19 @@ bool LogMailFileParser::add_domain(char* list) {
 }
 
 bool LogMailFileParser::consolidate(const char* lastConsolidFile) {
-    corrida_ = std::make_unique<Corrida>(*this, true);
-    const AoSair fim([this] { corrida_.reset(); });
+    // On the stack: without memory for it, the trace would stay open.
+    Corrida esta(*this, true);
+    const AoSair fim([this] { corrida_ = nullptr; });
+    corrida_ = &esta;  // cppcheck-suppress danglingLifetime ; `fim` takes it back
+    avulsa_.reset();
     if (sfile_num_periods == 0) set_sfile_num_periods(24);
     return LogFileParser::consolidate(lastConsolidFile);
 }
 
 Corrida& LogMailFileParser::corrida() {
-    if (!corrida_) corrida_ = std::make_unique<Corrida>(*this, false);
-    return *corrida_;
+    if (corrida_) return *corrida_;
+    if (!avulsa_) avulsa_ = std::make_unique<Corrida>(*this, false);
+    return *avulsa_;
 }
 
 Corrida::~Corrida() {

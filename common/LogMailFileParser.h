@@ -185,5 +185,6 @@ class LogMailFileParser : public LogFileParser {
     bool sincroniza_mes();
 
     std::unique_ptr<Relatos> relatos_;
-    std::unique_ptr<Corrida> corrida_;
+    Corrida* corrida_ = nullptr;       // during consolidate()
+    std::unique_ptr<Corrida> avulsa_;  // outside of it
 };

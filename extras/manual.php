@@ -92,6 +92,11 @@ item(
     'uso ou configuração errados, dados ou módulo ausentes ou ilegíveis',
     'wrong use or configuration, data or module missing or unreadable'
 );
+item(
+    'verifica, exame',
+    '0 ok, 1 aviso, 2 crítico, 3 desconhecido ou uso errado',
+    '0 ok, 1 warning, 2 critical, 3 unknown or wrong usage'
+);
 secao('ENVIRONMENT');
 item('VT_MREL_CONFIG', 'a configuração, sem --config', 'the configuration, without --config');
 item('TZ', 'o fuso dos dias, sem --fuso e sem configuração', 'the zone of the days, without --fuso and configuration');
@@ -99,8 +104,8 @@ item('LC_ALL, LC_MESSAGES, LANG', 'a língua, sem --lingua', 'the language, with
 secao('FILES');
 item(
     '/etc/vt\-mrel.ini',
-    'Uma seção [nome] para cada relay, com dados, logs, ponto, dominios e fuso.',
-    'A section [name] for each relay, with dados, logs, ponto, dominios and fuso.'
+    'Uma seção [nome] para cada relay, com dados, logs, ponto, dominios, fuso e saude (o último resultado de verifica).',
+    'A section [name] for each relay, with dados, logs, ponto, dominios, fuso and saude (the last result of verifica).'
 );
 secao('EXAMPLES');
 foreach ($comandos as $comando) {

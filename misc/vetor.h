@@ -87,7 +87,7 @@ class Vetor {
         return r;
     }
 
-    std::uint8_t v_[bytes];
+    std::uint8_t v_[bytes] = {};
 #endif
 };
 

@@ -14,10 +14,13 @@ final class Compacto
     public const FIM = '4';
     public const VIRUS = '15';
 
-    /** @return \Generator<int, string> every line but the last of the file ends in LF */
-    public static function blocos(string $arquivo): \Generator
+    /**
+     * @param int $bytes about so many at a time
+     * @return \Generator<int, string> every line but the last of the file ends in LF
+     */
+    public static function blocos(string $arquivo, int $bytes = self::BLOCO): \Generator
     {
-        yield from self::deAberto(fopen($arquivo, 'rb'));
+        yield from self::deAberto(fopen($arquivo, 'rb'), $bytes);
     }
 
     /**
@@ -34,10 +37,10 @@ final class Compacto
     }
 
     /** @param resource $f read from its beginning */
-    private static function deAberto($f): \Generator
+    private static function deAberto($f, int $bytes = self::BLOCO): \Generator
     {
         rewind($f);
-        while (($bloco = fread($f, self::BLOCO)) !== '' && $bloco !== false) {
+        while (($bloco = fread($f, $bytes)) !== '' && $bloco !== false) {
             // fread stops where it likes: the rest of the line that it cut.
             yield str_ends_with($bloco, "\n") ? $bloco : $bloco . fgets($f);
         }

@@ -46,6 +46,7 @@ final class Aplicacao extends Application
         'envia' => Envia::class, 'send' => Envia::class,
         'verifica' => Verifica::class, 'check' => Verifica::class,
         'relatorio' => Relatorio::class, 'report' => Relatorio::class,
+        'exame' => Exame::class, 'doctor' => Exame::class,
         ConsolidaAqui::NOME => ConsolidaAqui::class,
     ];
 

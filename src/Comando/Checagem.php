@@ -137,6 +137,9 @@ abstract class Checagem extends Comando
                 $nome = $varios ? "$r->relay: $v->nome" : $v->nome;
                 $frases = trim($v->texto($lingua) . ' ' . $v->conselho($lingua));
                 yield self::naLinha("[{$rotulos->valor($v->nivel)}] $nome: $frases") . "\n";
+                foreach ($v->detalhes($lingua) as $detalhe) {
+                    yield '    ' . self::naLinha($detalhe) . "\n";
+                }
             }
         }
     }

@@ -35,7 +35,11 @@ final class Andamento
         }
         $atraso = Periodo::de($ponto, $hoje)->quantosDias() - 1;
         if ($atraso === 0 || ($atraso === 1 && $agora->format('H:i') < self::HORA)) {
-            return Verificacao::ok('ponto', "Os dias antes de $ponto estão completos.", "The days before $ponto are complete.");
+            return Verificacao::ok(
+                'ponto',
+                "Os dias antes de $ponto estão completos.",
+                "The days before $ponto are complete."
+            );
         }
         $dias = $atraso === 1 ? ['um dia', 'one day'] : ["$atraso dias", "$atraso days"];
         return new Verificacao('ponto', $atraso === 1 ? Nivel::Aviso : Nivel::Critico, [

@@ -116,6 +116,20 @@ final class Arquivos
             ? null : 'a última linha não é um evento|the last line is no event';
     }
 
+    /** What is wrong within the statistics of a day whose head and tail are right, "pt|en"; null for nothing. */
+    public static function linhas(string $texto): ?string
+    {
+        $usuarios = preg_match_all('/^[^ \n]*(?: -?\d+){8}$/m', $texto);
+        $horas = preg_match_all('/^\[\d+\]$/m', $texto);
+        // The day's totals are one more.
+        $outras = substr_count($texto, "\n") - $usuarios - $horas - 1;
+        return match (true) {
+            $horas !== 24 => "há $horas horas|there are $horas hours",
+            $outras !== 0 => "$outras linhas não têm nove campos|$outras lines have not nine fields",
+            default => null,
+        };
+    }
+
     public static function linhaDeUsuario(string $linha): bool
     {
         return preg_match('/^[^ ]* \d+ -?\d+ \d+ -?\d+ \d+ \d+ \d+ \d+$/D', $linha) === 1;

@@ -80,19 +80,25 @@ final class Metricas
      */
     public static function prometheus(array $resultados): string
     {
-        $texto = self::gauge(self::CHECK, 'Outcome of a check: 0 ok, 1 warning, 2 critical, 3 unknown.', $resultados, 'check',
-            static fn (Resultado $r): array => array_column(array_map(
-                static fn (Verificacao $v): array => [$v->nome, $v->nivel->codigo()],
-                $r->verificacoes
-            ), 1, 0));
-        $texto .= self::gauge(self::QUANDO, 'When the checks were done.', $resultados, '',
-            static fn (Resultado $r): int => $r->quando->getTimestamp());
+        $niveis = static fn (Resultado $r): array => array_column(array_map(
+            static fn (Verificacao $v): array => [$v->nome, $v->nivel->codigo()],
+            $r->verificacoes
+        ), 1, 0);
+        $quando = static fn (Resultado $r): int => $r->quando->getTimestamp();
+        $versao = static fn (): array => [Versao::PACOTE => 1];
+        $texto = self::gauge(
+            self::CHECK,
+            'Outcome of a check: 0 ok, 1 warning, 2 critical, 3 unknown.',
+            $resultados,
+            'check',
+            $niveis
+        ) . self::gauge(self::QUANDO, 'When the checks were done.', $resultados, '', $quando);
         foreach (self::GAUGES as $nome => [$rotulo, $ajuda]) {
-            $texto .= self::gauge($nome, $ajuda, $resultados, $rotulo,
-                static fn (Resultado $r): mixed => $r->medidas[$nome] ?? null);
+            $medida = static fn (Resultado $r): mixed => $r->medidas[$nome] ?? null;
+            $texto .= self::gauge($nome, $ajuda, $resultados, $rotulo, $medida);
         }
-        return $texto . self::gauge(self::VERSAO, 'The version of the library that checked; always 1.', $resultados, 'version',
-            static fn (): array => [Versao::PACOTE => 1]);
+        $ajuda = 'The version of the library that checked; always 1.';
+        return $texto . self::gauge(self::VERSAO, $ajuda, $resultados, 'version', $versao);
     }
 
     /** The figures of one relay as performance data: name=value;warning;critical, each a range without alarm. */
@@ -111,14 +117,19 @@ final class Metricas
         ];
         $textos = [];
         foreach (array_filter($dados, 'is_string') as $nome => $valor) {
-            $textos[] = "'" . strtr($prefixo, "'=", '__') . "$nome'=" . $valor;
+            $textos[] = "'" . strtr($prefixo, "'=", '__') . "$nome'=$valor";
         }
         return implode(' ', $textos);
     }
 
     /** @param \Closure(Resultado): (int|float|array<string, int|float>|null) $valor */
-    private static function gauge(string $nome, string $ajuda, array $resultados, string $rotulo, \Closure $valor): string
-    {
+    private static function gauge(
+        string $nome,
+        string $ajuda,
+        array $resultados,
+        string $rotulo,
+        \Closure $valor,
+    ): string {
         $linhas = '';
         foreach ($resultados as $r) {
             $v = $valor($r);

@@ -4,6 +4,7 @@ declare(strict_types=1);
 
 namespace Vorna\Mrel\Saude;
 
+use Vorna\Mrel\Compacto;
 use Vorna\Mrel\Falha\NaoConsolidado;
 use Vorna\Mrel\Logs;
 
@@ -31,10 +32,11 @@ final readonly class Registro
     /**
      * Those of a directory that the consolidation looks at.
      *
+     * @param ?string $desde logs that end on this day or later are read whole; null for heads and tails only
      * @return list<self>
      * @throws NaoConsolidado when it cannot be listed
      */
-    public static function de(string $diretorio, \DateTimeZone $fuso): array
+    public static function de(string $diretorio, \DateTimeZone $fuso, ?string $desde = null): array
     {
         $nomes = is_dir($diretorio) ? @scandir($diretorio) : null;
         if ($nomes === null || $nomes === false || !is_executable($diretorio)) {
@@ -44,13 +46,13 @@ final readonly class Registro
         foreach ($nomes as $nome) {
             $arquivo = "$diretorio/$nome";
             if (strncasecmp($nome, Logs::VIVO, strlen(Logs::VIVO)) === 0 && is_file($arquivo)) {
-                $registros[] = self::um($arquivo, $fuso);
+                $registros[] = self::um($arquivo, $fuso, $desde);
             }
         }
         return $registros;
     }
 
-    private static function um(string $arquivo, \DateTimeZone $fuso): self
+    private static function um(string $arquivo, \DateTimeZone $fuso, ?string $desde): self
     {
         $nome = basename($arquivo);
         $escrito = (new \DateTimeImmutable('@' . (int) @filemtime($arquivo)))->setTimezone($fuso)->format('Y-m-d H:i:s');
@@ -67,15 +69,32 @@ final readonly class Registro
             return new self($nome, false, $tamanho, Logs::quando(self::descomprimido($arquivo)), $escrito, false);
         }
         $inicio = Logs::quando($cabeca);
+        $fim = self::ultimo($cauda) ?? $inicio ?? $escrito;
         return new self(
             $nome,
             $nome === Logs::VIVO,
             $tamanho,
             $inicio,
-            self::ultimo($cauda) ?? $inicio ?? $escrito,
+            $fim,
             $inicio !== null || $tamanho === 0,
-            preg_match('/^\r?\n|\n\r?\n/', $cabeca) === 1 || preg_match('/\n\r?\n/', $cauda) === 1,
+            self::emBranco("\n$cabeca") || self::emBranco($cauda)
+                || ($desde !== null && substr($fim, 0, 10) >= $desde && self::emBrancoDentro($arquivo)),
         );
+    }
+
+    private static function emBranco(string $texto): bool
+    {
+        return str_contains($texto, "\n\n") || str_contains($texto, "\n\r\n");
+    }
+
+    private static function emBrancoDentro(string $arquivo): bool
+    {
+        foreach (Compacto::blocos($arquivo) as $bloco) {
+            if (self::emBranco("\n$bloco")) {
+                return true;
+            }
+        }
+        return false;
     }
 
     private static function descomprimido(string $arquivo): string

@@ -53,7 +53,11 @@ final class Rotacao
         $this->seguidos();
         if (count($this->logs) > self::MUITOS) {
             $n = count($this->logs);
-            $this->acha(Nivel::Aviso, "há $n logs, e a consolidação lê no máximo 999", "there are $n logs, and the consolidation reads 999 at most");
+            $this->acha(
+                Nivel::Aviso,
+                "há $n logs, e a consolidação lê no máximo 999",
+                "there are $n logs, and the consolidation reads 999 at most"
+            );
         }
         $n = count($this->logs);
         if (!$this->achados) {
@@ -81,17 +85,25 @@ final class Rotacao
         if ($this->vivo?->inicio !== null) {
             return;
         }
-        $nivel = $this->agora->format('H:i') < self::HORA ? Nivel::Aviso : Nivel::Critico;
         $this->vivo === null
-            ? $this->acha($nivel, 'falta o log corrente', 'the live log is missing')
-            : $this->acha($nivel, 'o log corrente está vazio ou ilegível', 'the live log is empty or unreadable');
+            ? $this->acha($this->semVivo(), 'falta o log corrente', 'the live log is missing')
+            : $this->acha($this->semVivo(), 'o log corrente está vazio ou ilegível', 'the live log is empty or unreadable');
+    }
+
+    private function semVivo(): Nivel
+    {
+        return $this->agora->format('H:i') < self::HORA ? Nivel::Aviso : Nivel::Critico;
     }
 
     private function lido(Registro $log): void
     {
         $nome = Falha::cita($log->nome);
         if ($log->emBranco) {
-            $this->acha(Nivel::Aviso, "$nome tem linhas em branco, que cortam o dia", "$nome has blank lines, which cut the day");
+            $this->acha(
+                Nivel::Aviso,
+                "$nome tem linhas em branco, que cortam o dia",
+                "$nome has blank lines, which cut the day"
+            );
         }
         if ($log->vivo || ($log->tamanho === 0 && $log->legivel)) {
             return;
@@ -109,8 +121,7 @@ final class Rotacao
         if ($depois && $passado && !$this->repete($log)) {
             $this->acha(
                 // While the live log is empty they wait for its first line.
-                $this->vivo?->inicio === null && $log->inicio > $this->meiaNoite && $this->agora->format('H:i') < self::HORA
-                    ? Nivel::Aviso : Nivel::Critico,
+                $this->vivo?->inicio === null && $log->inicio > $this->meiaNoite ? $this->semVivo() : Nivel::Critico,
                 "$nome tem linhas depois do ponto e não será lido",
                 "$nome has lines after the point and will not be read"
             );

@@ -13,12 +13,14 @@ final readonly class Verificacao
      * @param string $nome "ponto", "dias" ...
      * @param array{string, string} $texto
      * @param array{string, string} $conselho both empty when there is nothing to do
+     * @param list<array{string, string}> $detalhes what stands behind the reason, if it is much
      */
     public function __construct(
         public string $nome,
         public Nivel $nivel,
         private array $texto,
         private array $conselho = ['', ''],
+        private array $detalhes = [],
     ) {
     }
 
@@ -43,5 +45,11 @@ final readonly class Verificacao
     public function conselho(string $lingua): string
     {
         return $this->conselho[$lingua === 'en' ? 1 : 0];
+    }
+
+    /** @return list<string> what stands behind the reason */
+    public function detalhes(string $lingua): array
+    {
+        return array_column($this->detalhes, $lingua === 'en' ? 1 : 0);
     }
 }

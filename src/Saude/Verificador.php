@@ -142,11 +142,12 @@ class Verificador
         $rasgados = [];
         $quantos = 0;
         foreach ($this->recentes() as $dia) {
-            foreach ([Dias::ESTATISTICA => Arquivos::estatistica(...), Dias::COMPACTO => Arquivos::compacto(...)] as $tipo => $olha) {
+            foreach ([Dias::ESTATISTICA, Dias::COMPACTO] as $tipo) {
                 $arquivo = $this->s->arquivos->caminho($tipo, $dia);
                 if (is_file($arquivo) && is_readable($arquivo)) {
                     ++$quantos;
-                    $rasgados[$arquivo] = $olha($arquivo);
+                    $rasgados[$arquivo] = $tipo === Dias::COMPACTO
+                        ? Arquivos::compacto($arquivo) : Arquivos::estatistica($arquivo);
                 }
             }
         }
@@ -156,7 +157,17 @@ class Verificador
     private function logs(): Verificacao
     {
         ($this->relay->logs ?? '') !== '' || throw EntradaInvalida::naoConfigurado('logs');
-        return Rotacao::logs(Registro::de($this->relay->logs, $this->relay->fuso), $this->s->ponto(), $this->s->agora);
+        return Rotacao::logs(
+            Registro::de($this->relay->logs, $this->relay->fuso, $this->logsInteirosDesde()),
+            $this->s->ponto(),
+            $this->s->agora
+        );
+    }
+
+    /** From which day on logs are read whole; null for none. */
+    protected function logsInteirosDesde(): ?string
+    {
+        return null;
     }
 
     /** The last complete day, and today as far as it is there. */
@@ -165,7 +176,8 @@ class Verificador
         $dia = $this->s->ultimo();
         $agora = [];
         foreach ($dia === null ? [] : array_unique([$dia, $this->s->hoje]) as $um) {
-            foreach (Remetentes::acimaDe(min(Trafego::POUCAS, $this->porHora), $this->s->arquivos->caminho(Dias::ESTATISTICA, $um)) as $nome => $n) {
+            $arquivo = $this->s->arquivos->caminho(Dias::ESTATISTICA, $um);
+            foreach (Remetentes::acimaDe(min(Trafego::POUCAS, $this->porHora), $arquivo) as $nome => $n) {
                 $agora[$nome] = max($n, $agora[$nome] ?? 0);
             }
         }

@@ -89,10 +89,34 @@ final class Mes
         $gerador = dirname(__DIR__, 3) . '/out/release/gera_logs';
         self::roda(['env', 'TZ=' . self::FUSO, $gerador, "$raiz/logs", self::PRIMEIRO, '--dias', '32', '--mensagens', '400',
             '--usuarios', '30']);
-        $disse = Arvore::outroPhp('putenv("TZ=' . self::FUSO . '"); $m = new vt_mrel(); mkdir("' . $raiz . '/dat");
+        self::consolida($raiz);
+        return $raiz;
+    }
+
+    public static function consolida(string $raiz): void
+    {
+        $disse = Arvore::outroPhp('putenv("TZ=' . self::FUSO . '"); $m = new vt_mrel(); @mkdir("' . $raiz . '/dat");
             $m->setLogDir("' . $raiz . '/logs"); $m->setDataDir("' . $raiz . '/dat"); $m->consolidate("' . $raiz . '/ponto");');
         $disse === '' || throw new \RuntimeException($disse);
-        return $raiz;
+    }
+
+    /** The same logs in a run for each night, as a relay does them: messages in flight go through the point's file. */
+    public function porNoite(): self
+    {
+        self::roda(['rm', '-r', "$this->raiz/dat", "$this->raiz/ponto"]);
+        rename("$this->raiz/logs", "$this->raiz/todos");
+        mkdir("$this->raiz/logs");
+        $logs = glob("$this->raiz/todos/*.2*");
+        sort($logs);
+        foreach ($logs as $log) {
+            copy($log, "$this->raiz/logs/" . basename($log));
+            $amanha = (new \DateTimeImmutable(substr($log, -8)))->modify('+1 day');
+            // A line that is no message's, so that the day before it is over.
+            file_put_contents($this->log(), $amanha->format('D M ') . sprintf('%2d', $amanha->format('j')) . $amanha->format(' 00:00:01 Y') . ": 01 POPSRV READ Msg x\n");
+            self::consolida($this->raiz);
+        }
+        copy("$this->raiz/todos/MAIL_DISPATCHER.LOG", $this->log());
+        return $this;
     }
 
     private static function roda(array $comando): void
