@@ -1,5 +1,6 @@
 // Preloaded into a process of a test: moves its clock by VT_RELOGIO seconds, kills it before the
-// file call of number VT_MATA, or lets the one of number VT_CHEIO fail for want of space.
+// file call of number VT_MATA, or lets the one of number VT_CHEIO fail for want of space. PHP's own
+// calls: an extension is bound to the C library ahead of what is preloaded, but for the clock.
 //
 //     c++ -shared -fPIC -o desvio.so faults/desvio.cpp
 
@@ -49,11 +50,6 @@ CHAMADA(rmdir, (const char* nome), (nome))
 CHAMADA(unlink, (const char* nome), (nome))
 CHAMADA(chmod, (const char* nome, mode_t modo), (nome, modo))
 CHAMADA(utime, (const char* nome, const utimbuf* quando), (nome, quando))
-
-int fsync(int fd) {
-    using F = int(int);
-    return passa() ? reinterpret_cast<F*>(dlsym(RTLD_NEXT, "fsync"))(fd) : -1;
-}
 
 time_t time(time_t* para) noexcept {
     timespec agora;

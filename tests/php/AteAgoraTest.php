@@ -127,6 +127,7 @@ final class AteAgoraTest extends TestCase
                 foreach ($ficou as $nome => $bytes) {
                     self::assertContains($bytes, [$antes[$nome], $novo[$nome]], "$como $n: $nome");
                 }
+                $r->codigo !== 0 || self::assertSame($novo, $ficou, "$como $n: said to be done");
                 $meios += $ficou !== $antes && $ficou !== $novo ? 1 : 0;
                 if ($n % 2) {
                     self::assertSame(0, $this->ateAgora()->codigo);
