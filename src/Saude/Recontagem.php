@@ -40,13 +40,14 @@ final class Recontagem extends EmVoo
     /** @var array<int, int> ends and errors of those by hour */
     public array $finsSemSubmissao = [];
     private int $longas = 0;
+    /** @var array<string, int> the mark of a kind of user, as it was met */
+    private array $classes = [];
 
     /** Counts whole lines. In one piece, since a call for each of millions of lines would double the time. */
     public function conta(string $linhas): void
     {
         $marcas = &$this->marcas;
-        $remetentes = &$this->remetentes;
-        [$tipos, $agentes, $classes] = [self::TIPOS, self::AGENTES, ['INTERNO' => self::M_LOCAL]];
+        [$tipos, $agentes] = [self::TIPOS, self::AGENTES];
         [$bits, $jaAceita, $aceita] = [self::MARCAS, self::JA_ACEITA, self::M_ACEITA | self::M_TENTADA];
         [$tempo, $hora, $de, $ate] = ['', -1, 1, 0];
         foreach (explode("\n", $linhas) as $linha) {
@@ -63,8 +64,6 @@ final class Recontagem extends EmVoo
                     [$de, $ate] = $hora < 0 ? [1, 0] : [$this->inicio + 3600 * $hora, $this->inicio + 3600 * ($hora + 1)];
                     $recebidas = &$this->contas[self::RECEBIDAS][$hora];
                     $recebidos = &$this->contas[self::BYTES_RECEBIDOS][$hora];
-                    $enviadas = &$this->contas[self::ENVIADAS][$hora];
-                    $enviados = &$this->contas[self::BYTES_ENVIADOS][$hora];
                 }
             }
             $id = $c[3];
@@ -90,35 +89,41 @@ final class Recontagem extends EmVoo
             } elseif ($tipo === self::TENTATIVA) {
                 $marcas[$id] = ($m < 0 ? self::M_DESCONHECIDA : $m) | self::M_TENTADA | self::M_ULTIMA;
             } elseif ($tipo === self::SUBMISSAO) {
-                $s = explode(' ', $c[4]);
-                if (count($s) !== 3) {
-                    ++$this->estranhas;
-                    continue;
-                }
-                $local = $classes[$s[0]] ??= Compacto::local($s[0]) ? self::M_LOCAL : 0;
-                if ($local !== 0) {
-                    $this->submetidas[] = $remetentes[$id] = $s[1];
-                } elseif ($m >= 0) {
-                    unset($remetentes[$id]);
-                }
-                $m = ($m < 0 ? 0 : $m & self::SUBMETIDA) | $local | ($s[1] === '' ? self::M_SEM_REMETENTE : 0);
-                $marcas[$id] = $m | ((int) $s[2] & 0xFFFFFFFF) << $bits;
+                $this->submete($id, $m, explode(' ', $c[4]));
             } elseif ($tipo === self::FIM) {
                 $m = $m < 0 ? self::M_DESCONHECIDA : $m;
                 if ($c[1] === '2') {
                     $m = $m & self::M_PENDENTE ? $m | self::M_ERRO : $m & ~self::M_ERRO;
                 }
-                $marcas[$id] = $hora < 0 ? $m & ~self::M_FIM : $m | self::M_FIM;
-                if ($m & self::M_LOCAL && isset($remetentes[$id])) {
-                    $enviadas[$remetentes[$id]] = ($enviadas[$remetentes[$id]] ?? 0) + 1;
-                    $enviados[$remetentes[$id]] = ($enviados[$remetentes[$id]] ?? 0) + ($m >> $bits);
-                } elseif ($m & self::M_DESCONHECIDA) {
-                    $this->fimSemSubmissao($hora);
-                }
+                $this->encerra($id, $m, $hora);
             } elseif ($tipo !== self::LEITURA) {
                 $this->excecao($tipo & 31, $id, $m, $hora, $c[4] ?? '');
             }
         }
+    }
+
+    /** @param list<string> $s kind of user, sender, size */
+    private function submete(string $id, int $m, array $s): void
+    {
+        if (count($s) !== 3) {
+            ++$this->estranhas;
+            return;
+        }
+        $local = $this->classes[$s[0]] ??= Compacto::local($s[0]) ? self::M_LOCAL : 0;
+        if ($local !== 0) {
+            $this->submetidas[] = $this->remetentes[$id] = $s[1];
+        } elseif ($m >= 0) {
+            unset($this->remetentes[$id]);
+        }
+        $m = ($m < 0 ? 0 : $m & self::SUBMETIDA) | $local | ($s[1] === '' ? self::M_SEM_REMETENTE : 0);
+        $this->marcas[$id] = $m | ((int) $s[2] & 0xFFFFFFFF) << self::MARCAS;
+    }
+
+    /** The message is over, and counts for its local sender. */
+    private function encerra(string $id, int $m, int $hora, ?int $tambem = null): void
+    {
+        $this->marcas[$id] = $hora < 0 ? $m & ~self::M_FIM : $m | self::M_FIM;
+        $this->envia($id, $m, $hora, $tambem);
     }
 
     /** What an acceptance finds of a message that is not as usual. */
@@ -131,14 +136,14 @@ final class Recontagem extends EmVoo
         return $m & self::M_PENDENTE && $c[1] === '2' ? $this->resolve($id, $m, $c[4]) : $m;
     }
 
-    /** A verdict counts it for its local sender too. */
-    private function envia(string $id, int $m, int $hora, int $tambem): void
+    /** Counts it for its local sender, at its end and at each verdict. */
+    private function envia(string $id, int $m, int $hora, ?int $tambem): void
     {
         if ($m & self::M_LOCAL && isset($this->remetentes[$id])) {
             $de = $this->remetentes[$id];
             $this->mais(self::ENVIADAS, $hora, $de, 1);
             $this->mais(self::BYTES_ENVIADOS, $hora, $de, $m >> self::MARCAS);
-            $this->mais($tambem, $hora, $de, 1);
+            $tambem === null || $this->mais($tambem, $hora, $de, 1);
         } elseif ($m & self::M_DESCONHECIDA) {
             $this->fimSemSubmissao($hora);
         }
@@ -158,9 +163,7 @@ final class Recontagem extends EmVoo
         } elseif ($m < 0) {
             $this->fimSemSubmissao($hora);
         } elseif ($status === 15) {
-            $m |= self::M_VIRUS;
-            $this->marcas[$id] = $hora < 0 ? $m & ~self::M_FIM : $m | self::M_FIM;
-            $this->envia($id, $m, $hora, self::VIRUS);
+            $this->encerra($id, $m | self::M_VIRUS, $hora, self::VIRUS);
         } else {
             $this->erro($status, $id, $m, $hora, $texto);
         }
