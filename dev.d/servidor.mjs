@@ -64,6 +64,7 @@ export class Servidor {
     const saida = fs.openSync(this.arquivo(path.basename(programa) + '.saida'), 'a');
     const p = spawn(programa, argumentos, { stdio: ['ignore', saida, saida] });
     this.processos.push(p);
+    process.on('exit', () => p.kill());  // whatever ended us
     return p;
   }
 
