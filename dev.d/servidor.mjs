@@ -64,6 +64,7 @@ export class Servidor {
     const saida = fs.openSync(this.arquivo(path.basename(programa) + '.saida'), 'a');
     const p = spawn(programa, argumentos, { stdio: ['ignore', saida, saida] });
     this.processos.push(p);
+    process.on('exit', () => p.kill());  // whatever ended us
     return p;
   }
 
@@ -71,6 +72,8 @@ export class Servidor {
     this.portas = [];
     for (let i = 0; i < 4; ++i) this.portas.push(await portaLivre());
     this.pools();
+    const faltam = () => ['vt-mrel', 'restrita', 'outra'].some((n) => !fs.existsSync(this.arquivo(`${n}.sock`)));
+    for (let i = 0; i < 100 && faltam(); ++i) await new Promise((r) => setTimeout(r, 100));
     this.nginx();
     this.apache();
     [this.url, this.restrita, this.outra, this.urlDoApache] = this.portas.map((p) => `http://127.0.0.1:${p}`);

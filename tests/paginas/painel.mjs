@@ -23,7 +23,7 @@ const confere = (nome, bom, detalhes = '') => {
 };
 
 const servidor = new Servidor({ dados, extensao, fpm });
-process.once('SIGINT', () => servidor.fecha().finally(() => process.exit(130)));
+for (const s of ['SIGINT', 'SIGTERM']) process.once(s, () => servidor.fecha().finally(() => process.exit(130)));
 try {
   await servidor.abre();
   for (const parte of partes) {
