@@ -27,4 +27,15 @@ faults() {
     mkdir -p out
     for s in mortes arquivos trava memoria repeticao; do sweep release "$s" ${1:+--tudo}; done
     sweep asan memoria ${1:+--tudo}
+    [ $# = 0 ] || soak
+}
+
+# Repetition in one PHP process.
+soak() {
+    build
+    cmake_build release gera_logs
+    say "soak, PHP"
+    rm -rf out/soak
+    out/release/gera_logs out/soak/logs 2026-03-10 --dias 3 --mensagens 200 --usuarios 12 >out/soak.log
+    if "$PHP" -n -d "extension=$extension" faults/soak.php out/soak; then add 1; else add 0 1; fi
 }
