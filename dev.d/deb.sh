@@ -17,7 +17,7 @@ deb() {
     say "building the Debian packages"
     rm -rf "$deb_out"
     mkdir -p "$deb_out/vt-mrel"
-    git ls-files -z --cached --others --exclude-standard | tar -c --null -T - -f - | tar -x -C "$deb_out/vt-mrel"
+    tar -c --exclude=./out --exclude=./.git . | tar -x -C "$deb_out/vt-mrel"
     deb_changelog "${1:-$(deb_version | tr -d '\n')}" >"$deb_out/vt-mrel/debian/changelog"
     (
         cd "$deb_out/vt-mrel"
@@ -32,9 +32,9 @@ deb_changelog() {
     cat <<TXT
 vt-mrel ($1) $release; urgency=medium
 
-  * Built from the tree at $(git rev-parse --short HEAD).
+  * Built from the tree.
 
- -- $(sed -n 's/^Maintainer: //p' debian/control.in)  $(git log -1 --format=%cD)
+ -- $(sed -n 's/^Maintainer: //p' debian/control.in)  $(date -R -d "@${SOURCE_DATE_EPOCH:-$(date +%s)}")
 TXT
 }
 
