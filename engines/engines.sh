@@ -56,6 +56,15 @@ bootstrap() {
         echo "not all of this machine's sources serve $3: the release alone must do"
         debian_sources deb "$2" | grep " $2 " | as_root tee "$1/etc/apt/sources.list" >/dev/null
     fi
+    # npm is asked where this machine asks it, and trusts whom this machine trusts.
+    if command -v npm >/dev/null; then
+        echo "registry=$(npm config get registry)" | as_root tee "$1/root/.npmrc" >/dev/null
+        cafile=$(npm config get cafile)
+        if [ -f "$cafile" ]; then
+            as_root cp "$cafile" "$1/etc/npm-ca.pem"
+            echo cafile=/etc/npm-ca.pem | as_root tee -a "$1/root/.npmrc" >/dev/null
+        fi
+    fi
     as_root touch "$1/etc/vt_mrel-ready"
 }
 
