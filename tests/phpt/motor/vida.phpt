@@ -1,5 +1,5 @@
 --TEST--
-Cycles, fork, and a memory limit in mid-walk
+Cycles, fork, a memory limit in mid-walk, and a system without memory
 --FILE--
 <?php
 require __DIR__ . '/../inc/arvore.inc';
@@ -52,6 +52,18 @@ foreach (['memory_limit' => ['$x[$n++] = $i->msg_sendername;', 30], 'max_executi
     echo "$limite: ", stream_get_contents($canos[1]);
     echo proc_close($p), "\n";
 }
+
+// Memory that the system refuses is an error of the script. The rows of one report after another take it;
+// the bound is for a report that hides it.
+$p = outro_php('$raiz = ' . var_export($raiz, true) . '; $m = parser($raiz); $i = new vt_mrel_itr();
+    preg_match("/VmSize:\s+(\d+)/", file_get_contents("/proc/self/status"), $kb);
+    exec("prlimit --as=" . ($kb[1] * 1024 + (8 << 20)) . " --pid " . getmypid());
+    try {
+        for ($n = 0; $n < 100; ++$n) $m->user_msgs("", "", DIA, DIA + 86399, "", 0, 0, $i->getHandle());
+    } catch (Error $e) {
+        echo $e->getMessage();
+    }', $canos);
+echo 'system: ', stream_get_contents($canos[1]), ' ', proc_close($p), "\n";
 ?>
 --EXPECT--
 collected: all
@@ -61,3 +73,4 @@ memory_limit: Allowed memory size 11
 255
 max_execution_time: Maximum execution t 11
 255
+system: vt_mrel: out of memory 0
