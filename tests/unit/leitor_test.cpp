@@ -2,6 +2,9 @@
 #include "misc/leitor.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/time.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <random>
@@ -57,6 +60,24 @@ TEST(Leitor, diretorioDaErro) {
     const char* linha;
     EXPECT_EQ(leitor.proxima(&linha, 100), 0u);
     EXPECT_EQ(leitor.erro(), EISDIR);
+}
+
+// The signal's own handler brings the line that the interrupted read waits for.
+TEST(Leitor, sinalNaoInterrompe) {
+    static int cano[2];
+    ASSERT_EQ(pipe(cano), 0);
+    struct sigaction acao = {}, antes;
+    acao.sa_handler = [](int) { EXPECT_EQ(write(cano[1], "linha\n", 6), 6); };
+    ASSERT_EQ(sigaction(SIGALRM, &acao, &antes), 0);
+    const itimerval daqui_a_pouco = {{0, 0}, {0, 50000}};
+    ASSERT_EQ(setitimer(ITIMER_REAL, &daqui_a_pouco, nullptr), 0);
+    LeitorLinhas leitor;
+    leitor.comeca(cano[0]);
+    const char* linha;
+    EXPECT_EQ(leitor.proxima(&linha, 100), 6u);
+    EXPECT_EQ(leitor.erro(), 0);
+    sigaction(SIGALRM, &antes, nullptr);
+    for (const int fd : cano) close(fd);
 }
 
 TEST(Relogio, stamps) {
