@@ -135,6 +135,16 @@ TEST_F(GravacaoTest, abandonadaDeixaOVelho) {
     }
 }
 
+// A new name lasts only once its folder is synced. That takes a descriptor, and here no more can be
+// had.
+TEST_F(GravacaoTest, pastaNaoSincronizadaEDita) {
+    Gravacao g;
+    ASSERT_TRUE(g.abre(arvore.path("a").c_str()));
+    const Limite esgotado(RLIMIT_NOFILE, static_cast<rlim_t>(fileno(g.stream())));
+    EXPECT_FALSE(g.conclui());
+    EXPECT_EQ(errno, EMFILE);
+}
+
 // A link, a directory or another user's file beside the target is left alone, and the target
 // written in place.
 TEST_F(GravacaoTest, oQueNaoERestoFica) {
