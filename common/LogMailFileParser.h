@@ -40,7 +40,7 @@ class LogMailFileParser : public LogFileParser {
 
     LogMailFileParser();
     // Frees the domains. The tables are emptied by consolidate.
-    ~LogMailFileParser();
+    virtual ~LogMailFileParser();
 
     // Adds the local domains of a list separated by ';', each cut to 300 bytes, the last one first.
     // The list is cut in place. False for null.

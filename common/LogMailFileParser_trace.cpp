@@ -32,26 +32,26 @@ void acrescenta(Msg* m, long t, const std::string& frase) {
 // margin. The margins differ, and one is too small for the date in front: then the text is cut.
 // Pages have always shown it so.
 struct Frase {
-    ErrorType tipo;
     const char* antes;
     const char* depois = "";
-    bool com_detalhe = false;  // for lines with a field 4, which is told between the two
     std::ptrdiff_t margem = 0;
+    ErrorType tipo;
+    bool com_detalhe = false;  // for lines with a field 4, which is told between the two
 };
 constexpr std::ptrdiff_t sempre = -std::ptrdiff_t{TextoErro::capacidade};  // whatever room is left
 
 // The first one that fits the line.
 constexpr Frase frases[] = {
-    {.tipo = etDATA,
-     .antes = "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n",
-     .margem = 50},
-    {.tipo = etSIZE, .antes = "A mensagem foi rejeitada (muito grande).\n"},
-    {.tipo = etSENDER,
-     .antes = "Mensagem rejeitada pelo relay ",
+    {.antes = "A conex\xE3o foi encerrada no meio da transmiss\xE3o\n",
+     .margem = 50,
+     .tipo = etDATA},
+    {.antes = "A mensagem foi rejeitada (muito grande).\n", .tipo = etSIZE},
+    {.antes = "Mensagem rejeitada pelo relay ",
      .depois = " remetente invalido.\n",
-     .com_detalhe = true,
-     .margem = 29},
-    {.tipo = etSENDER, .antes = "Mensagem rejeitada pelo relay.\n", .margem = sempre},
+     .margem = 29,
+     .tipo = etSENDER,
+     .com_detalhe = true},
+    {.antes = "Mensagem rejeitada pelo relay.\n", .margem = sempre, .tipo = etSENDER},
 };
 
 }  // namespace

@@ -191,7 +191,7 @@ final class EnvioTest extends Caso
     }
 
     /** @return array<string, array{\Closure(resource): mixed, ?int}> what breaks a sending, and the exit code of a sender that can tell */
-    public function quebras(): array
+    public static function quebras(): array
     {
         return [
             'killed' => [static fn ($p) => proc_terminate($p, 9), null],

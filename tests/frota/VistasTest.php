@@ -114,7 +114,7 @@ final class VistasTest extends Caso
     }
 
     /** @return array<string, array{string, ?string}> where its packages of npm are; null: not installed for this run */
-    public function outros(): array
+    public static function outros(): array
     {
         $outros = ['duckdb' => ['duckdb', getenv('VT_NPM')]];
         return getenv('VT_CHDB') ? [...$outros, 'clickhouse' => ['clickhouse', getenv('VT_CHDB')]] : $outros;
