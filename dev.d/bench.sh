@@ -2,7 +2,8 @@
 
 bench() {
     build
-    need ripgrep
+    # shellcheck disable=SC2086
+    need $bench_packages
     mkdir -p out
     cmake_build release gera_logs mede
     if [ "${1:-}" = --fleet ]; then

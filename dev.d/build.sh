@@ -26,7 +26,8 @@ deps() { need $packages; }
 # need_npm FOLDER PACKAGE@VERSION ...: packages of npm, into that folder. Any node and npm that are there will
 # do; else Debian's.
 need_npm() {
-    if ! command -v node >/dev/null || ! command -v npm >/dev/null; then need nodejs npm; fi
+    # shellcheck disable=SC2086
+    if ! command -v node >/dev/null || ! command -v npm >/dev/null; then need $npm_packages; fi
     folder=$1
     shift
     mkdir -p "$folder"

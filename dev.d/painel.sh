@@ -9,7 +9,8 @@ painel() {
         [ -d "$1" ] || die "there is no directory $1"
         printf '[painel]\ndados = %s\n' "$(cd "$1" && pwd)" >"$config"
     else
-        need faketime
+        # shellcheck disable=SC2086
+        need $show_packages
         [ -d out/demo/dat ] || demo
         printf '[demo]\ndados = %s\nlogs = %s\nponto = %s\nsaude = %s\nfuso = UTC\n' "$root/out/demo/dat" "$root/out/demo/logs" \
             "$root/out/demo/ultima_consolidacao" "$root/out/painel.json" >"$config"

@@ -29,7 +29,8 @@ panel() {
 # The pictures of docs/pictures/, of a month of the demo's company, on the evening of its last day.
 pictures() {
     pages_ready
-    need faketime pngquant
+    # shellcheck disable=SC2086
+    need $show_packages
     dir=$root/out/pictures address=${PAINEL:-127.0.0.1:8026}
     rm -rf "$dir"
     mkdir -p "$dir/dat"
